@@ -1,0 +1,60 @@
+#pragma once
+// The cold tensile record: raw and reduced curves, specimen, units, indices and
+// fit settings. Base of every cold law and of the tensile simulation model.
+
+#include <array>
+#include <cstdint>
+#include <vector>
+
+#include "models/plastic.h"
+
+namespace zelko {
+
+enum InputKind : std::int32_t { LoadDisplacement = 0, EngineeringCurve = 1, TrueCurve = 2 };
+
+// {x, y} or {strain, stress, weight}.
+struct CurvePoint {
+    double x = 0.0;
+    double y = 0.0;
+    double weight = 1.0;
+    friend bool operator==(const CurvePoint&, const CurvePoint&) = default;
+};
+using Curve = std::vector<CurvePoint>;
+
+struct ParameterBound {
+    double initial = 0.0;
+    double minimum = 0.0;
+    double maximum = 0.0;
+};
+
+class RoomOri : public Plastic {
+public:
+    RoomOri() { modelKind = ColdModel; }
+
+    void readMaterialBlock(TextReader& in, int major, int minor) override;
+    void writeMaterialBlock(TextWriter& out, int major, int minor) const override;
+
+    const Curve& inputCurve() const { return curves.at(static_cast<std::size_t>(inputKind)); }
+
+    std::int32_t lengthUnit = 0;
+    std::int32_t forceUnit = 0;
+    bool recordFlag = false;
+    bool weighted = false;
+    std::int32_t inputKind = LoadDisplacement;
+    double diameter = 0.0;
+    double gaugeLength = 0.0;
+    std::array<Curve, 3> curves;  // by input kind; the true curve is the one the laws fit
+    double targetError = 1.0;
+    std::int32_t maxIterations = 10000;
+    double blockLeadValue = 0.0;
+    std::int32_t startIndex = 0;
+    std::int32_t neckingIndex = 0;
+    std::int32_t endIndex = 0;
+    bool neckingConstraint = false;
+    double neckingPenaltyWeight = 1.0;
+    std::vector<ParameterBound> parameterBounds;
+    std::uint32_t fixedParameters = 0;  // one bit per parameter
+    bool automaticStart = true;
+};
+
+}  // namespace zelko

@@ -1,0 +1,107 @@
+#pragma once
+// The one text layer through which every file of the program is written and read.
+// Writers collect UTF-16 text with "\n" line ends and encode it as the file kind
+// demands; readers decode a whole file and offer the C runtime's line, token and
+// scan reads over it, with the same limits and end-of-file rules.
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#if defined(__GNUC__) || defined(__clang__)
+#define ZELKO_PRINTF_FORMAT(fmtIndex, firstArg) __attribute__((format(printf, fmtIndex, firstArg)))
+#else
+#define ZELKO_PRINTF_FORMAT(fmtIndex, firstArg)
+#endif
+
+namespace zelko {
+
+enum class TextEncoding {
+    Utf16Le,   // "w, ccs=UNICODE": BOM FF FE, UTF-16LE, CRLF
+    EightBit,  // "w": bytes, CRLF
+    Utf8Bom,   // "w, ccs=UTF-8": BOM EF BB BF, CRLF
+};
+
+// How a file is opened for reading.
+enum class ReadMode {
+    SniffBom,  // "r, ccs=UNICODE": FF FE is UTF-16LE, EF BB BF is UTF-8, else 8-bit
+    EightBit,  // "r": bytes as they are
+};
+
+class TextWriter {
+public:
+    explicit TextWriter(TextEncoding encoding = TextEncoding::Utf16Le) : encoding_(encoding) {}
+
+    void put(std::u16string_view text) { text_.append(text); }
+    // Narrow text is taken byte for byte (the formats are ASCII).
+    void put(std::string_view text);
+    // printf onto narrow text, then appended; never pass user text as fmt.
+    void format(const char* fmt, ...) ZELKO_PRINTF_FORMAT(2, 3);
+
+    const std::u16string& text() const { return text_; }
+    TextEncoding encoding() const { return encoding_; }
+    // The file's bytes: byte-order mark, "\n" as "\r\n", encoded.
+    std::string bytes() const;
+
+private:
+    TextEncoding encoding_;
+    std::u16string text_;
+};
+
+// printf into a std::string (for formats that are part of a layout or a message).
+std::string formatText(const char* fmt, ...) ZELKO_PRINTF_FORMAT(1, 2);
+
+class TextReader {
+public:
+    TextReader() = default;
+    // Decodes the bytes of a whole file; "\r\n" reads as "\n".
+    TextReader(std::string_view bytes, ReadMode mode);
+    // Already decoded text (tests, in-memory conversions).
+    static TextReader fromText(std::u16string text);
+
+    // The stream's end-of-file indicator: set once a read ran into the end.
+    bool atEnd() const { return eof_; }
+    std::size_t remaining() const { return text_.size() - pos_; }
+    std::size_t position() const { return pos_; }
+
+    // fgetws into a buffer of maxUnits + 1: at most maxUnits units, up to and
+    // including "\n". False when nothing was left to read. The line is cut at an
+    // embedded NUL, as a C string would be.
+    bool readLine(std::u16string& line, std::size_t maxUnits = 255);
+    // Reads lines until one with a token when split on space, tab and line feed.
+    bool readNonBlankLine(std::u16string& line);
+    // fwscanf "%255s": skips white space, reads one token of at most maxUnits.
+    bool readToken(std::u16string& token, std::size_t maxUnits = 255);
+    // fwscanf "%d" / "%lf": false (nothing consumed but white space) when no number
+    // stands at the read position or the text has ended.
+    bool scanInt(int& value);
+    bool scanDouble(double& value);
+    // Skips to the character after the next "\n" (or to the end).
+    void skipLine();
+
+private:
+    void skipWhiteSpace();
+    std::u16string text_;
+    std::size_t pos_ = 0;
+    bool eof_ = false;
+};
+
+// The C library's lenient conversions: leading white space skipped, conversion
+// stops at the first character that does not belong to the number, 0 for text
+// that is not a number. Out-of-range integers saturate.
+int toInt(std::u16string_view text);
+double toDouble(std::u16string_view text);
+int toInt(std::string_view text);
+double toDouble(std::string_view text);
+
+// Cuts text at every character of delimiters, dropping empty pieces.
+std::vector<std::u16string> split(std::u16string_view text, std::u16string_view delimiters);
+std::vector<std::string> split(std::string_view text, std::string_view delimiters);
+bool hasToken(std::u16string_view line);  // a token when split on space, tab and "\n"
+
+std::u16string widen(std::string_view ascii);  // byte for byte
+std::u16string utf8ToUtf16(std::string_view utf8);
+std::string utf16ToUtf8(std::u16string_view utf16);
+
+}  // namespace zelko
