@@ -76,9 +76,17 @@ void PLASTIC_HOT::readMaterialBlock(TextReader& in, int /*major*/, int minor)
 
     curves.clear();
     const std::size_t cells = temperatures.size() * strainRates.size();
-    // A grid larger than the rest of the file could describe is damage, not data.
-    if (cells == 0 || cells > boundedCount(static_cast<long long>(cells), in.remaining()))
+    if (cells == 0)
         return;
+    // A grid larger than the rest of the file could describe is damage, not data:
+    // the block is dropped whole rather than kept with lists no grid can match.
+    if (cells > boundedCount(static_cast<long long>(cells), in.remaining())) {
+        strainRates.clear();
+        temperatures.clear();
+        strains.clear();
+        fourthValues.clear();
+        return;
+    }
     curves.assign(temperatures.size(), std::vector<HotCurve>(strainRates.size()));
     std::u16string header;
     for (std::size_t r = 0; r < strainRates.size(); ++r) {

@@ -1,0 +1,86 @@
+#include "cli/arguments.h"
+
+#include <algorithm>
+
+namespace zelko::cli {
+
+namespace {
+
+bool isHelp(std::string_view arg) { return arg == "--help" || arg == "-h"; }
+
+bool contains(const std::vector<std::string_view>& names, std::string_view name)
+{
+    return std::find(names.begin(), names.end(), name) != names.end();
+}
+
+}  // namespace
+
+const std::string* ParsedArguments::option(std::string_view name) const
+{
+    const auto found = options.find(name);
+    return found == options.end() ? nullptr : &found->second;
+}
+
+std::optional<ParsedArguments> parseArguments(const std::vector<std::string>& args, const ArgumentSpec& spec,
+                                              std::string& error)
+{
+    ParsedArguments parsed;
+    const auto endOfOptions = std::find(args.begin(), args.end(), "--");
+    if (std::any_of(args.begin(), endOfOptions, [](const std::string& arg) { return isHelp(arg); })) {
+        parsed.help = true;
+        return parsed;
+    }
+
+    for (auto it = args.begin(); it != args.end(); ++it) {
+        if (it == endOfOptions) {
+            parsed.positionals.insert(parsed.positionals.end(), it + 1, args.end());
+            break;
+        }
+        const std::string& arg = *it;
+        if (arg.size() < 2 || arg[0] != '-') {
+            parsed.positionals.push_back(arg);
+            continue;
+        }
+        std::string name = arg;
+        std::optional<std::string> inlineValue;
+        if (const auto equals = arg.find('='); arg.starts_with("--") && equals != std::string::npos) {
+            name = arg.substr(0, equals);
+            inlineValue = arg.substr(equals + 1);
+        }
+        if (!contains(spec.valueOptions, name)) {
+            error = "unknown option '" + name + "'";
+            return std::nullopt;
+        }
+        if (parsed.options.contains(name)) {
+            error = "option '" + name + "' given twice";
+            return std::nullopt;
+        }
+        if (!inlineValue) {
+            // The next argument is the value even when it begins with "-" (a negative number).
+            if (std::next(it) == endOfOptions || std::next(it) == args.end()) {
+                error = "option '" + name + "' needs a value";
+                return std::nullopt;
+            }
+            inlineValue = *++it;
+        }
+        parsed.options.emplace(name, std::move(*inlineValue));
+    }
+
+    if (parsed.positionals.size() > spec.positionalNames.size()) {
+        error = "unexpected argument '" + parsed.positionals[spec.positionalNames.size()] + "'";
+        return std::nullopt;
+    }
+    if (parsed.positionals.size() < spec.requiredPositionals) {
+        error = "missing argument " + std::string(spec.positionalNames[parsed.positionals.size()]);
+        return std::nullopt;
+    }
+    for (const std::string_view name : spec.requiredOptions) {
+        if (!parsed.options.contains(name)) {
+            error = "missing option '" + std::string(name) + "'";
+            return std::nullopt;
+        }
+    }
+    return parsed;
+}
+
+}  // namespace zelko::cli

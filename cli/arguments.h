@@ -1,0 +1,35 @@
+#pragma once
+// The arguments of one command: options that take a value, and positional arguments.
+
+#include <cstddef>
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zelko::cli {
+
+struct ArgumentSpec {
+    std::vector<std::string_view> valueOptions;     // "-o", "--title", ...: each takes one value
+    std::vector<std::string_view> requiredOptions;  // a subset of valueOptions
+    std::vector<std::string_view> positionalNames;  // in order, for messages ("MATERIAL.zmat")
+    std::size_t requiredPositionals = 0;            // the first ones are required, the rest optional
+};
+
+struct ParsedArguments {
+    bool help = false;
+    std::vector<std::string> positionals;
+    std::map<std::string, std::string, std::less<>> options;
+
+    const std::string* option(std::string_view name) const;
+};
+
+// "--help" or "-h" anywhere (before "--") asks for help and wins over every other
+// complaint. Long options also take "--name=value"; after "--" everything is positional,
+// so a file name may begin with "-".
+std::optional<ParsedArguments> parseArguments(const std::vector<std::string>& args, const ArgumentSpec& spec,
+                                              std::string& error);
+
+}  // namespace zelko::cli

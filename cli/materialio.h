@@ -1,0 +1,35 @@
+#pragma once
+// The file part of the commands: inputs read whole, outputs saved whole or not at all.
+// Every error text names the file.
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "project/fileio.h"
+#include "project/project.h"
+
+namespace zelko::cli {
+
+// A PhysProps export or a material's JSON is a few kilobytes; these limits keep a
+// wrong file from being parsed into gigabytes.
+inline constexpr std::uintmax_t kMaxJsonFileBytes = 4u * 1024u * 1024u;
+inline constexpr std::uintmax_t kMaxPhysPropsFileBytes = 16u * 1024u * 1024u;
+
+struct FormatVersion {
+    int major = 0;
+    int minor = 0;
+};
+
+std::optional<std::string> readInput(const std::string& path, std::string& error,
+                                     std::uintmax_t maxBytes = kMaxInputFileBytes);
+
+// Reads a .zmat as the Open command does, into a fresh project.
+[[nodiscard]] bool loadMaterial(const std::string& path, Project& project, FormatVersion& version,
+                                std::string& error);
+[[nodiscard]] bool loadMaterial(const std::string& path, Project& project, std::string& error);
+
+[[nodiscard]] bool saveText(const std::string& path, const TextWriter& text, std::string& error);
+[[nodiscard]] bool saveMaterial(const std::string& path, const Project& project, std::string& error);
+
+}  // namespace zelko::cli
