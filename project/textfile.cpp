@@ -1,5 +1,6 @@
 #include "project/textfile.h"
 
+#include <algorithm>
 #include <charconv>
 #include <climits>
 #include <cmath>
@@ -196,7 +197,16 @@ void TextWriter::format(const char* fmt, ...)
 {
     va_list args;
     va_start(args, fmt);
-    put(std::string_view(vformat(fmt, args)));
+    // Lines of the layouts fit the stack buffer; only longer text takes the slow path.
+    char line[256];
+    va_list copy;
+    va_copy(copy, args);
+    const int needed = std::vsnprintf(line, sizeof line, fmt, copy);
+    va_end(copy);
+    if (needed >= 0 && static_cast<std::size_t>(needed) < sizeof line)
+        put(std::string_view(line, static_cast<std::size_t>(needed)));
+    else if (needed >= 0)
+        put(std::string_view(vformat(fmt, args)));
     va_end(args);
 }
 
@@ -205,15 +215,22 @@ std::string TextWriter::bytes() const
     std::string out;
     switch (encoding_) {
     case TextEncoding::Utf16Le:
-        out.reserve(2 + text_.size() * 2 + text_.size() / 8);
-        out.append("\xFF\xFE", 2);
+    {
+        const auto lineEnds = static_cast<std::size_t>(std::count(text_.begin(), text_.end(), u'\n'));
+        out.resize(2 + (text_.size() + lineEnds) * 2);
+        char* o = out.data();
+        *o++ = '\xFF';
+        *o++ = '\xFE';
         for (const char16_t c : text_) {
-            if (c == u'\n')
-                out.append("\r\0", 2);
-            out.push_back(static_cast<char>(c & 0xFF));
-            out.push_back(static_cast<char>(c >> 8));
+            if (c == u'\n') {
+                *o++ = '\r';
+                *o++ = '\0';
+            }
+            *o++ = static_cast<char>(c & 0xFF);
+            *o++ = static_cast<char>(c >> 8);
         }
         break;
+    }
     case TextEncoding::EightBit:
         out.reserve(text_.size() + text_.size() / 8);
         for (const char16_t c : text_) {
