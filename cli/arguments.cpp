@@ -1,12 +1,17 @@
 #include "cli/arguments.h"
 
 #include <algorithm>
+#include <charconv>
+#include <cmath>
 
 namespace zelko::cli {
 
 namespace {
 
-bool isHelp(std::string_view arg) { return arg == "--help" || arg == "-h"; }
+bool isHelp(std::string_view arg)
+{
+    return arg == "--help" || arg == "-h";
+}
 
 bool contains(const std::vector<std::string_view>& names, std::string_view name)
 {
@@ -21,8 +26,8 @@ const std::string* ParsedArguments::option(std::string_view name) const
     return found == options.end() ? nullptr : &found->second;
 }
 
-std::optional<ParsedArguments> parseArguments(const std::vector<std::string>& args, const ArgumentSpec& spec,
-                                              std::string& error)
+std::optional<ParsedArguments> parseArguments(
+    const std::vector<std::string>& args, const ArgumentSpec& spec, std::string& error)
 {
     ParsedArguments parsed;
     const auto endOfOptions = std::find(args.begin(), args.end(), "--");
@@ -81,6 +86,25 @@ std::optional<ParsedArguments> parseArguments(const std::vector<std::string>& ar
         }
     }
     return parsed;
+}
+
+bool numberOption(const ParsedArguments& args, std::string_view name, double& value, std::string& error)
+{
+    const std::string* text = args.option(name);
+    if (!text) {
+        error = "missing option '" + std::string(name) + "'";
+        return false;
+    }
+    // from_chars takes no leading "+", which people do type.
+    std::string_view digits = *text;
+    if (digits.starts_with('+') && !digits.starts_with("+-"))
+        digits.remove_prefix(1);
+    const auto [end, ec] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
+    if (ec != std::errc() || end != digits.data() + digits.size() || !std::isfinite(value)) {
+        error = "option '" + std::string(name) + "': '" + *text + "' is not a number";
+        return false;
+    }
+    return true;
 }
 
 }  // namespace zelko::cli

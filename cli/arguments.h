@@ -12,10 +12,10 @@
 namespace zelko::cli {
 
 struct ArgumentSpec {
-    std::vector<std::string_view> valueOptions;     // "-o", "--title", ...: each takes one value
+    std::vector<std::string_view> valueOptions;  // "-o", "--title", ...: each takes one value
     std::vector<std::string_view> requiredOptions;  // a subset of valueOptions
     std::vector<std::string_view> positionalNames;  // in order, for messages ("MATERIAL.zmat")
-    std::size_t requiredPositionals = 0;            // the first ones are required, the rest optional
+    std::size_t requiredPositionals = 0;  // the first ones are required, the rest optional
 };
 
 struct ParsedArguments {
@@ -29,7 +29,10 @@ struct ParsedArguments {
 // "--help" or "-h" anywhere (before "--") asks for help and wins over every other
 // complaint. Long options also take "--name=value"; after "--" everything is positional,
 // so a file name may begin with "-".
-std::optional<ParsedArguments> parseArguments(const std::vector<std::string>& args, const ArgumentSpec& spec,
-                                              std::string& error);
+std::optional<ParsedArguments> parseArguments(
+    const std::vector<std::string>& args, const ArgumentSpec& spec, std::string& error);
+
+// The option's value as a number; the whole text must be one finite number.
+[[nodiscard]] bool numberOption(const ParsedArguments& args, std::string_view name, double& value, std::string& error);
 
 }  // namespace zelko::cli

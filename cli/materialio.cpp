@@ -23,8 +23,9 @@ bool loadMaterial(const std::string& path, Project& project, FormatVersion& vers
         error = fileMessage(path, "not a material file (version line or title rejected)");
         return false;
     }
-    // The reader keeps no version; take it from the first line as the reader does.
-    TextReader first(*bytes, ReadMode::SniffBom);
+    // The reader keeps no version; take it from the first line as the reader does. A
+    // line read holds at most 255 units, which never take more than 2048 bytes.
+    TextReader first(std::string_view(*bytes).substr(0, 2048), ReadMode::SniffBom);
     std::u16string line;
     first.readLine(line);
     const auto tokens = split(line, u" ");

@@ -11,9 +11,8 @@
 
 namespace zelko::cli {
 
-// A PhysProps export or a material's JSON is a few kilobytes; these limits keep a
-// wrong file from being parsed into gigabytes.
-inline constexpr std::uintmax_t kMaxJsonFileBytes = 4u * 1024u * 1024u;
+// A PhysProps export is a few kilobytes; the limit keeps a wrong file from being
+// read into gigabytes of rows.
 inline constexpr std::uintmax_t kMaxPhysPropsFileBytes = 16u * 1024u * 1024u;
 
 struct FormatVersion {
@@ -21,12 +20,11 @@ struct FormatVersion {
     int minor = 0;
 };
 
-std::optional<std::string> readInput(const std::string& path, std::string& error,
-                                     std::uintmax_t maxBytes = kMaxInputFileBytes);
+std::optional<std::string> readInput(
+    const std::string& path, std::string& error, std::uintmax_t maxBytes = kMaxInputFileBytes);
 
 // Reads a .zmat as the Open command does, into a fresh project.
-[[nodiscard]] bool loadMaterial(const std::string& path, Project& project, FormatVersion& version,
-                                std::string& error);
+[[nodiscard]] bool loadMaterial(const std::string& path, Project& project, FormatVersion& version, std::string& error);
 [[nodiscard]] bool loadMaterial(const std::string& path, Project& project, std::string& error);
 
 [[nodiscard]] bool saveText(const std::string& path, const TextWriter& text, std::string& error);

@@ -32,12 +32,17 @@ int fail(std::string_view message)
     return 1;
 }
 
-void warn(std::string_view message) { printLine("warning: ", message); }
+void warn(std::string_view message)
+{
+    printLine("warning: ", message);
+}
 
-bool printText(std::string_view text)
+int printResult(std::string_view text)
 {
     const bool written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
-    return std::fflush(stdout) == 0 && written;
+    if (std::fflush(stdout) != 0 || !written)
+        return fail("cannot write to standard output");
+    return 0;
 }
 
 std::string fileMessage(std::string_view path, std::string_view message)

@@ -4,6 +4,13 @@
 
 namespace zelko {
 
+const Curve& RoomOri::inputCurve() const
+{
+    static const Curve kEmpty;
+    const bool knownKind = inputKind >= 0 && inputKind < static_cast<std::int32_t>(curves.size());
+    return knownKind ? curves[static_cast<std::size_t>(inputKind)] : kEmpty;
+}
+
 void RoomOri::writeMaterialBlock(TextWriter& out, int major, int minor) const
 {
     if (minor > 4)
@@ -13,10 +20,7 @@ void RoomOri::writeMaterialBlock(TextWriter& out, int major, int minor) const
     else
         out.format(" %5d %5d %5d %5d\n", lengthUnit, forceUnit, recordFlag ? 1 : 0, weighted ? 1 : 0);
     out.format("%30.4E %20.4E\n", gaugeLength, diameter);
-    // An input kind outside 0..2 has no list; it is written with no points.
-    const bool knownKind = inputKind >= 0 && inputKind < static_cast<std::int32_t>(curves.size());
-    const Curve empty;
-    const Curve& points = knownKind ? curves[static_cast<std::size_t>(inputKind)] : empty;
+    const Curve& points = inputCurve();  // an unknown kind is written with no points
     out.format(" %5d  %8d\n", inputKind, static_cast<int>(points.size()));
     for (const CurvePoint& p : points)
         out.format("    %.4E    %.4E\n", p.x, p.y);

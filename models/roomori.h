@@ -34,7 +34,8 @@ public:
     void readMaterialBlock(TextReader& in, int major, int minor) override;
     void writeMaterialBlock(TextWriter& out, int major, int minor) const override;
 
-    const Curve& inputCurve() const { return curves.at(static_cast<std::size_t>(inputKind)); }
+    // The list of the entered kind; an empty one for a kind a damaged file named.
+    const Curve& inputCurve() const;
 
     std::int32_t lengthUnit = 0;
     std::int32_t forceUnit = 0;

@@ -2,6 +2,7 @@
 // The file part of reading and writing: whole files in, whole files out.
 
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>

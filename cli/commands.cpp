@@ -1,0 +1,225 @@
+#include "cli/commands.h"
+
+#include <optional>
+#include <vector>
+
+#include "cli/materialio.h"
+#include "cli/materialjson.h"
+#include "cli/messages.h"
+#include "hot/tselikov.h"
+#include "project/elasticscreen.h"
+#include "project/libraryexport.h"
+#include "project/physprops.h"
+#include "project/thermaltables.h"
+
+namespace zelko::cli {
+
+namespace {
+
+constexpr std::string_view kOutput = "-o";
+
+bool parsePreset(
+    const ParsedArguments& args, std::string_view name, std::optional<MaterialPreset>& preset, std::string& error)
+{
+    const std::string* text = args.option(name);
+    if (!text)
+        return true;
+    if (*text == "steel")
+        preset = MaterialPreset::Steel;
+    else if (*text == "aluminum")
+        preset = MaterialPreset::Aluminum;
+    else {
+        error = "option '" + std::string(name) + "': '" + *text + "' is neither steel nor aluminum";
+        return false;
+    }
+    return true;
+}
+
+// Saves the material to the file of -o; the exit status.
+int saveOutput(const ParsedArguments& args, const Project& project)
+{
+    std::string error;
+    return saveMaterial(*args.option(kOutput), project, error) ? 0 : fail(error);
+}
+
+int runInfo(const ParsedArguments& args)
+{
+    Project project;
+    FormatVersion version;
+    std::string error;
+    if (!loadMaterial(args.positionals[0], project, version, error))
+        return fail(error);
+    return printResult(jsonText(materialToJson(project, version.major, version.minor)));
+}
+
+int runFromJson(const ParsedArguments& args)
+{
+    const std::string& path = args.positionals[0];
+    std::string error;
+    const auto text = readInput(path, error, kMaxMaterialJsonBytes);
+    if (!text)
+        return fail(error);
+    const std::optional<Project> project = materialFromJson(*text, error);
+    if (!project)
+        return fail(fileMessage(path, error));
+    return saveOutput(args, *project);
+}
+
+int runNew(const ParsedArguments& args)
+{
+    Project project;
+    std::string error;
+    if (const std::string* title = args.option("--title")) {
+        const std::u16string text = utf8ToUtf16(*title);
+        if (utf16ToUtf8(text) != *title)
+            return fail("option '--title': not valid UTF-8");
+        // The screen's title field holds one line.
+        if (title->find_first_of("\r\n") != std::string::npos)
+            return fail("option '--title': a title is one line");
+        project.title = titleFromViewText(text);
+    }
+    std::optional<MaterialPreset> elastic;
+    std::optional<MaterialPreset> thermal;
+    if (!parsePreset(args, "--elastic", elastic, error) || !parsePreset(args, "--thermal", thermal, error))
+        return fail(error);
+    if (elastic) {
+        ElasticScreenValues values = elasticScreenValues(*project.elastic);
+        applyElasticPreset(*elastic, values);
+        applyElasticScreen(values, *project.elastic);
+    }
+    if (thermal)
+        applyThermalPreset(*thermal, project.conductivity->points, project.heatCapacity->points);
+    return saveOutput(args, project);
+}
+
+int runExport(const ParsedArguments& args)
+{
+    const std::string& path = args.positionals[0];
+    Project project;
+    std::string error;
+    if (!loadMaterial(path, project, error))
+        return fail(error);
+    if (!project.libraryModel)
+        return fail(fileMessage(path, "the material has no flow-stress model, so it has no library entry"));
+    TextWriter out(TextEncoding::EightBit);
+    const bool wroteModel = writeLibraryEntry(project, out);
+    if (!saveText(*args.option(kOutput), out, error))
+        return fail(error);
+    if (!wroteModel) {
+        const Plastic& model = *project.libraryModel;
+        warn(fileMessage(path,
+            formatText("the %s model %d wrote no block; the entry's model section is empty",
+                model.modelKind == HotModel ? "hot" : "cold", model.modelNumber)));
+    }
+    return 0;
+}
+
+int runImportPhysProps(const ParsedArguments& args)
+{
+    const std::string& physPropsPath = args.positionals[1];
+    Project project;
+    std::string error;
+    if (!loadMaterial(args.positionals[0], project, error))
+        return fail(error);
+    const auto bytes = readInput(physPropsPath, error, kMaxPhysPropsFileBytes);
+    if (!bytes)
+        return fail(error);
+    PhysPropsImport imported = importPhysProps(*bytes);
+    if (!imported.ok)
+        return fail(fileMessage(physPropsPath, imported.message));
+    project.conductivity->points = std::move(imported.conductivity);
+    project.heatCapacity->points = std::move(imported.heatCapacity);
+    return saveOutput(args, project);
+}
+
+int runEstimateModulus(const ParsedArguments& args)
+{
+    ChemicalComposition composition;
+    std::string error;
+    if (!numberOption(args, "--C", composition.carbon, error)
+        || !numberOption(args, "--Mn", composition.manganese, error)
+        || !numberOption(args, "--Si", composition.silicon, error)
+        || !numberOption(args, "--P", composition.phosphorus, error)
+        || !numberOption(args, "--S", composition.sulfur, error))
+        return fail(error);
+    const bool storing = !args.positionals.empty();
+    if (storing && !args.option(kOutput))
+        return fail("missing option '-o' for the material with the estimate");
+    if (!storing && args.option(kOutput))
+        return fail("option '-o' needs a MATERIAL.zmat to store the estimate in");
+
+    const PropertyTable table = tselikovYoungsModulus(composition);
+    if (storing) {
+        Project project;
+        if (!loadMaterial(args.positionals[0], project, error))
+            return fail(error);
+        project.elastic->propertyType[YoungsModulus] = 2;
+        project.elastic->setTable(YoungsModulus, table);
+        if (const int status = saveOutput(args, project); status != 0)
+            return status;
+    }
+    std::string rows;
+    for (const TablePoint& p : table)
+        rows += formatText("%.10g %.10g\n", p.temperature, p.value);
+    return printResult(rows);
+}
+
+}  // namespace
+
+std::span<const Command> commands()
+{
+    static const std::vector<Command> kCommands = {
+        {"info", "print a material as JSON",
+            "Usage: zelko-mat-cli info MATERIAL.zmat\n"
+            "\n"
+            "Prints the material as one JSON object: title (as held, line end included),\n"
+            "version [major, minor] of the file, elastic (four {\"form\", \"points\"} objects:\n"
+            "Young's modulus, Poisson's ratio, density, thermal expansion), model (null, or\n"
+            "its kind, number and record data), conductivity and heatCapacity ([[T, V], ...]).\n",
+            {{}, {}, {"MATERIAL.zmat"}, 1}, runInfo},
+        {"from-json", "write a material from its JSON form",
+            "Usage: zelko-mat-cli from-json MATERIAL.json -o OUT.zmat\n"
+            "\n"
+            "Writes the material a JSON object describes, in the layout 'info' prints: title,\n"
+            "elastic, conductivity and heatCapacity are required; version, when given, must\n"
+            "be [major, minor] and is not used (the file is written in the current layout);\n"
+            "model must be null or absent. The title is written as held, so a title ending\n"
+            "in a line end is followed by an empty line. A title longer than 255 UTF-16\n"
+            "units is an error.\n",
+            {{kOutput}, {kOutput}, {"MATERIAL.json"}, 1}, runFromJson},
+        {"new", "write a new material, optionally from the presets",
+            "Usage: zelko-mat-cli new -o OUT.zmat [--title TEXT] [--elastic steel|aluminum]\n"
+            "                        [--thermal steel|aluminum]\n"
+            "\n"
+            "Writes a new material. The title is stored as the Save command stores it (\"%%\"\n"
+            "becomes \"%\", at most 255 characters); the presets are those of the elastic and\n"
+            "thermal screens.\n",
+            {{kOutput, "--title", "--elastic", "--thermal"}, {kOutput}, {}, 0}, runNew},
+        {"export", "write the material's library entry",
+            "Usage: zelko-mat-cli export MATERIAL.zmat -o OUT.z3dlib\n"
+            "\n"
+            "Writes the material as one entry of the forming system's material library. A\n"
+            "material without a flow-stress model is refused; a model that writes no block\n"
+            "of its own gives a warning, and the entry is written without one.\n",
+            {{kOutput}, {kOutput}, {"MATERIAL.zmat"}, 1}, runExport},
+        {"import-physprops", "replace the thermal tables from a JMatPro PhysProps export",
+            "Usage: zelko-mat-cli import-physprops MATERIAL.zmat PHYSPROPS.dat -o OUT.zmat\n"
+            "\n"
+            "Replaces the conductivity and heat-capacity tables by those of a JMatPro\n"
+            "\"*PhysProps.dat\" export, as the thermal screen does, and writes the material.\n",
+            {{kOutput}, {kOutput}, {"MATERIAL.zmat", "PHYSPROPS.dat"}, 2}, runImportPhysProps},
+        {"estimate-modulus", "estimate Young's modulus of a steel from its composition",
+            "Usage: zelko-mat-cli estimate-modulus --C x --Mn x --Si x --P x --S x\n"
+            "                                     [MATERIAL.zmat -o OUT.zmat]\n"
+            "\n"
+            "Prints Young's modulus (MPa) at 20 to 900 C by the Tselikov method from the\n"
+            "contents in wt%, one \"T E\" pair a line. With a material, also stores the table\n"
+            "as its Young's modulus (against temperature) and writes it to OUT.zmat.\n",
+            {{"--C", "--Mn", "--Si", "--P", "--S", kOutput}, {"--C", "--Mn", "--Si", "--P", "--S"}, {"MATERIAL.zmat"},
+                0},
+            runEstimateModulus},
+    };
+    return kCommands;
+}
+
+}  // namespace zelko::cli
