@@ -2,7 +2,7 @@
 # A walk through zelko-mat-cli on the measured data shipped in tests/data/measured.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-cli=build/cli/zelko-mat-cli
+cli=${ZELKO_CLI:-build/cli/zelko-mat-cli}
 out=${ZELKO_DEMO_DIR:-$PWD/demo-output}
 mkdir -p "$out"
 echo "== A new steel material with the screens' steel presets"
