@@ -166,7 +166,7 @@ int runEstimateModulus(const ParsedArguments& args)
 
 }  // namespace
 
-std::span<const Command> commands()
+std::span<const Command> materialCommands()
 {
     static const std::vector<Command> kCommands = {
         {"info", "print a material as JSON",

@@ -16,6 +16,12 @@ struct Command {
     int (*run)(const ParsedArguments&);  // the exit status
 };
 
+// Every command of the tool, in the order its help lists them.
 std::span<const Command> commands();
+
+// The groups, each defined beside what it drives.
+std::span<const Command> materialCommands();  // commands.cpp
+std::span<const Command> coldCommands();      // coldcommands.cpp
+std::span<const Command> hotCommands();       // hotcommands.cpp
 
 }  // namespace zelko::cli

@@ -1,0 +1,7 @@
+#include "cli/commands.h"
+
+namespace zelko::cli {
+
+std::span<const Command> coldCommands() { return {}; }
+
+}  // namespace zelko::cli
