@@ -17,6 +17,7 @@ struct CurvePoint {
     double x = 0.0;
     double y = 0.0;
     double weight = 1.0;
+    bool hasWeight = false;  // a point of three values
     friend bool operator==(const CurvePoint&, const CurvePoint&) = default;
 };
 using Curve = std::vector<CurvePoint>;
@@ -56,6 +57,8 @@ public:
     std::vector<ParameterBound> parameterBounds;
     std::uint32_t fixedParameters = 0;  // one bit per parameter
     bool automaticStart = true;
+    // Not stored in the file: a least-squares polish after the descent.
+    bool polishWithLeastSquares = false;
 };
 
 }  // namespace zelko

@@ -1,0 +1,331 @@
+#include "cold/coldlaws.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "project/textfile.h"
+
+namespace zelko {
+
+namespace {
+
+constexpr double kWide = 1e6;  // MPa: no real stress parameter comes near it
+
+// Slope and intercept of y = a + b x by least squares over the points that have
+// both logarithms; false with fewer than two.
+bool logLogLine(const FitPoints& points, double offset, double& intercept, double& slope)
+{
+    double sx = 0, sy = 0, sxx = 0, sxy = 0;
+    int n = 0;
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        const double e = points.strain[i];
+        const double s = points.stress[i] - offset;
+        if (e > 0.0 && s > 0.0 && std::isfinite(e) && std::isfinite(s)) {
+            const double x = std::log(e), y = std::log(s);
+            sx += x, sy += y, sxx += x * x, sxy += x * y;
+            ++n;
+        }
+    }
+    const double denominator = n * sxx - sx * sx;
+    if (n < 2 || !(std::fabs(denominator) > 0.0))
+        return false;
+    slope = (n * sxy - sx * sy) / denominator;
+    intercept = (sy - slope * sx) / n;
+    return std::isfinite(slope) && std::isfinite(intercept);
+}
+
+double lastStrain(const FitPoints& points)
+{
+    const double e = points.strain.back();
+    return e > 0.0 && std::isfinite(e) ? e : 1.0;
+}
+
+// A saturating rise that is 95 % complete at the last strain.
+double saturationRate(const FitPoints& points) { return 3.0 / lastStrain(points); }
+
+double rise(const FitPoints& points) { return points.stress.back() - points.stress.front(); }
+
+bool writeThreeLineBlock(const ColdLaw& law, TextWriter& out, double a, double b, double c)
+{
+    out.format("%8d\n", law.modelNumber);
+    out.format("%30.4E %17.4E %17.4E %17.4E %17.4E %17.4E\n", law.blockLeadValue, 100000.0, 0.0001, 0.0, 0.0, 0.0);
+    out.format("%30.4E %17.4E %17.4E\n", a, b, c);
+    return true;
+}
+
+double p(const ColdLaw& law, std::size_t i) { return i < law.parameters.size() ? printable(law.parameters[i]) : 0.0; }
+
+}  // namespace
+
+// ---- Swift ----
+
+PLASTIC_1::PLASTIC_1(const RoomOri& record) : FormulaLaw(record) { modelNumber = 1; }
+
+std::vector<ParameterBound> PLASTIC_1::defaultBounds() const
+{
+    return {{0.0, -kWide, kWide}, {0.01, 0.0, 100.0}, {0.2, -10.0, 1.0}};
+}
+
+void PLASTIC_1::estimateStart(const FitPoints& points, double* q) const
+{
+    q[0] = points.stress.front();
+    q[1] = 0.01;
+    q[2] = 0.2;
+}
+
+void PLASTIC_1::maskGradient(double* g) const
+{
+    if (isFixed(0))
+        g[0] = 0.0;
+    if (isFixed(1))
+        g[1] = 0.0;
+    // A fixed exponent holds s0 still too: only Y0 moves.
+    if (isFixed(2)) {
+        g[1] = 0.0;
+        g[2] = 0.0;
+    }
+}
+
+std::string PLASTIC_1::resultText() const
+{
+    return formatText("Y0 = %16.4E \ns0 = %16.4E \nn = %16.4E\nError = %16.4E MPa\nSlope at necking point = %16.4E",
+                      p(*this, 0), p(*this, 1), p(*this, 2), printable(fitError), printable(neckingSlope()));
+}
+
+// The exponent comes before s0 in the library.
+bool PLASTIC_1::writeLibraryBlock(TextWriter& out, int) const
+{
+    return writeThreeLineBlock(*this, out, p(*this, 0), p(*this, 2), p(*this, 1));
+}
+
+// ---- Hollomon ----
+
+PLASTIC_3::PLASTIC_3(const RoomOri& record) : FormulaLaw(record) { modelNumber = 3; }
+
+std::vector<ParameterBound> PLASTIC_3::defaultBounds() const { return {{500.0, 0.0, kWide}, {0.2, 0.0, 1.0}}; }
+
+void PLASTIC_3::estimateStart(const FitPoints& points, double* q) const
+{
+    double lnK = 0.0, n = 0.0;
+    if (logLogLine(points, 0.0, lnK, n) && n > 0.0 && n < 1.0) {
+        q[0] = std::exp(lnK);
+        q[1] = n;
+    } else {
+        q[0] = std::max(1.0, *std::max_element(points.stress.begin(), points.stress.end()));
+        q[1] = 0.2;
+    }
+}
+
+void PLASTIC_3::fitNeckingConstrained()
+{
+    // Considere for K eps^n: n equals the necking strain. The point is the true
+    // curve's at the necking index itself, not counted from the start index.
+    parameters.resize(parameterCount());
+    const Curve& curve = curves[TrueCurve];
+    if (neckingIndex >= 0 && static_cast<std::size_t>(neckingIndex) < curve.size()) {
+        const CurvePoint& neck = curve[static_cast<std::size_t>(neckingIndex)];
+        if (neck.x > 0.0 && std::isfinite(neck.x) && std::isfinite(neck.y)) {
+            parameters[1] = neck.x;
+            parameters[0] = neck.y / std::pow(neck.x, neck.x);
+        }
+    }
+    fitError = objective(parameters, fittedPoints().size());
+}
+
+std::string PLASTIC_3::resultText() const
+{
+    return formatText("K = %16.4E \nn = %16.4E\nError = %16.4E MPa", p(*this, 0), p(*this, 1), printable(fitError));
+}
+
+bool PLASTIC_3::writeLibraryBlock(TextWriter& out, int) const
+{
+    return writeThreeLineBlock(*this, out, p(*this, 0), p(*this, 1), blockLeadValue);
+}
+
+// ---- Ludwik ----
+
+PLASTIC_4::PLASTIC_4(const RoomOri& record) : FormulaLaw(record) { modelNumber = 4; }
+
+std::vector<ParameterBound> PLASTIC_4::defaultBounds() const
+{
+    return {{200.0, -kWide, kWide}, {500.0, -kWide, kWide}, {0.5, 0.0, 10.0}};
+}
+
+void PLASTIC_4::estimateStart(const FitPoints& points, double* q) const
+{
+    q[0] = points.stress.front();
+    double lnK = 0.0, n = 0.0;
+    if (logLogLine(points, q[0], lnK, n) && n > 0.0) {
+        q[1] = std::exp(lnK);
+        q[2] = n;
+    } else {
+        q[1] = rise(points);
+        q[2] = 0.5;
+    }
+}
+
+std::string PLASTIC_4::resultText() const
+{
+    // The screen has always shown 0 for the Ludwik slope.
+    return formatText("Y = %16.4E \nK = %16.4E \nn = %16.4E\nError = %16.4E MPa\nSlope at necking point = %16.4E",
+                      p(*this, 0), p(*this, 1), p(*this, 2), printable(fitError), 0.0);
+}
+
+bool PLASTIC_4::writeLibraryBlock(TextWriter& out, int) const
+{
+    return writeThreeLineBlock(*this, out, p(*this, 0), p(*this, 1), p(*this, 2));
+}
+
+// ---- Kim Tuan ----
+
+PLASTIC_Kim_Tuan::PLASTIC_Kim_Tuan(const RoomOri& record) : FormulaLaw(record) { modelNumber = 35; }
+
+std::vector<ParameterBound> PLASTIC_Kim_Tuan::defaultBounds() const
+{
+    return {{200.0, -kWide, kWide}, {0.001, 0.0, 100.0}, {500.0, -kWide, kWide}, {0.3, -10.0, 10.0},
+            {20.0, 0.0, 1e5}};
+}
+
+void PLASTIC_Kim_Tuan::estimateStart(const FitPoints& points, double* q) const
+{
+    q[0] = points.stress.front();
+    q[1] = 0.001;
+    q[3] = 0.3;
+    q[4] = saturationRate(points);
+    const double e = lastStrain(points);
+    const double shape = std::pow(q[1] + e, q[3]) * (1.0 - std::exp(-q[4] * e));
+    q[2] = shape > 0.0 ? rise(points) / shape : rise(points);
+}
+
+std::string PLASTIC_Kim_Tuan::resultText() const
+{
+    return formatText(
+        "YS = %16.4E \ns0 = %16.4E \nT = %16.4E \nm = %16.4E \nC = %16.4E\nError = %16.4E MPa\n"
+        "Slope at necking point = %16.4E",
+        p(*this, 0), p(*this, 1), p(*this, 2), p(*this, 3), p(*this, 4), printable(fitError),
+        printable(neckingSlope()));
+}
+
+// ---- Hockett-Sherby ----
+
+PLASTIC_Hockett_Sherby::PLASTIC_Hockett_Sherby(const RoomOri& record) : FormulaLaw(record) { modelNumber = 32; }
+
+std::vector<ParameterBound> PLASTIC_Hockett_Sherby::defaultBounds() const
+{
+    return {{200.0, -kWide, kWide}, {300.0, -kWide, kWide}, {5.0, 0.0, 1e5}, {0.5, 0.0, 10.0}};
+}
+
+void PLASTIC_Hockett_Sherby::estimateStart(const FitPoints& points, double* q) const
+{
+    // Half of the saturation reached at the last strain.
+    q[0] = points.stress.front();
+    q[1] = 2.0 * rise(points);
+    q[3] = 0.5;
+    q[2] = std::log(2.0) / std::pow(lastStrain(points), q[3]);
+}
+
+std::string PLASTIC_Hockett_Sherby::resultText() const
+{
+    return formatText(
+        "YS = %16.4E \nV1 = %16.4E \nV2 = %16.4E \n H1 = %16.4E\nError = %16.4E MPa\nSlope at necking point = %16.4E",
+        p(*this, 0), p(*this, 1), p(*this, 2), p(*this, 3), printable(fitError), printable(neckingSlope()));
+}
+
+// ---- Voce General ----
+
+PLASTIC_Voce_General::PLASTIC_Voce_General(const RoomOri& record) : FormulaLaw(record) { modelNumber = 31; }
+
+std::vector<ParameterBound> PLASTIC_Voce_General::defaultBounds() const
+{
+    return {{200.0, -kWide, kWide}, {300.0, -kWide, kWide}, {20.0, 0.0, 1e5}, {0.0, -1e4, 1e4}};
+}
+
+void PLASTIC_Voce_General::estimateStart(const FitPoints& points, double* q) const
+{
+    q[0] = points.stress.front();
+    q[2] = saturationRate(points);
+    q[3] = 0.0;
+    q[1] = rise(points) / (1.0 - std::exp(-3.0));
+}
+
+std::string PLASTIC_Voce_General::resultText() const
+{
+    return formatText(
+        "V0 = %16.4E \nV1 = %16.4E \nV2 = %16.4E \nV3 = %16.4E\nError = %16.4E MPa\nSlope at necking point = %16.4E",
+        p(*this, 0), p(*this, 1), p(*this, 2), p(*this, 3), printable(fitError), printable(neckingSlope()));
+}
+
+// ---- El-Magd ----
+
+PLASTIC_ElMagd::PLASTIC_ElMagd(const RoomOri& record) : FormulaLaw(record) { modelNumber = 33; }
+
+std::vector<ParameterBound> PLASTIC_ElMagd::defaultBounds() const
+{
+    return {{200.0, -kWide, kWide}, {300.0, -kWide, kWide}, {20.0, 0.0, 1e5}, {0.0, -kWide, kWide}};
+}
+
+void PLASTIC_ElMagd::estimateStart(const FitPoints& points, double* q) const
+{
+    q[0] = points.stress.front();
+    q[2] = saturationRate(points);
+    q[3] = 0.0;
+    q[1] = rise(points) / (1.0 - std::exp(-3.0));
+}
+
+std::string PLASTIC_ElMagd::resultText() const
+{
+    return formatText(
+        "C0 = %16.4E \nC1 = %16.4E \nC2 = %16.4E \nC3 = %16.4E\nError = %16.4E MPa\nSlope at necking point = %16.4E",
+        p(*this, 0), p(*this, 1), p(*this, 2), p(*this, 3), printable(fitError), printable(neckingSlope()));
+}
+
+// ---- Voyiadjis-Abed ----
+
+PLASTIC_Voyiadjis_Abed::PLASTIC_Voyiadjis_Abed(const RoomOri& record) : FormulaLaw(record) { modelNumber = 34; }
+
+std::vector<ParameterBound> PLASTIC_Voyiadjis_Abed::defaultBounds() const
+{
+    return {{200.0, -kWide, kWide}, {300.0, -kWide, kWide}, {20.0, 0.0, 1e5}};
+}
+
+void PLASTIC_Voyiadjis_Abed::estimateStart(const FitPoints& points, double* q) const
+{
+    q[0] = points.stress.front();
+    q[2] = saturationRate(points);
+    q[1] = rise(points) / std::sqrt(1.0 - std::exp(-3.0));
+}
+
+std::string PLASTIC_Voyiadjis_Abed::resultText() const
+{
+    return formatText("V0 = %16.4E \nV1 = %16.4E \nV2 = %16.4E \nError = %16.4E MPa\nSlope at necking point = %16.4E",
+                      p(*this, 0), p(*this, 1), p(*this, 2), printable(fitError), printable(neckingSlope()));
+}
+
+// ---- the list ----
+
+const char* coldLawListEntry(int listIndex)
+{
+    static const char* const kEntries[kColdLawCount] = {
+        "Simulation (8)",         "Swift model (1)",        "Hollomon model (3)",
+        "Ludwik model (4)",       "Kim Tuan model (35)",    "Hockett Sherby model (32)",
+        "Voce General model (31)", "El-Magd model (33)",    "Voyiadjis-Abed model (34)",
+    };
+    return listIndex >= 0 && listIndex < kColdLawCount ? kEntries[listIndex] : "";
+}
+
+std::shared_ptr<ColdLaw> makeColdLaw(int listIndex, const RoomOri& record)
+{
+    switch (listIndex) {
+    case 1: return std::make_shared<PLASTIC_1>(record);
+    case 2: return std::make_shared<PLASTIC_3>(record);
+    case 3: return std::make_shared<PLASTIC_4>(record);
+    case 4: return std::make_shared<PLASTIC_Kim_Tuan>(record);
+    case 5: return std::make_shared<PLASTIC_Hockett_Sherby>(record);
+    case 6: return std::make_shared<PLASTIC_Voce_General>(record);
+    case 7: return std::make_shared<PLASTIC_ElMagd>(record);
+    case 8: return std::make_shared<PLASTIC_Voyiadjis_Abed>(record);
+    default: return nullptr;
+    }
+}
+
+}  // namespace zelko

@@ -1,0 +1,133 @@
+#pragma once
+// The eight cold hardening laws.
+
+#include <memory>
+
+#include "cold/coldlaw.h"
+#include "cold/formulas.h"
+
+namespace zelko {
+
+// Swift: sigma = Y0 (1 + eps/s0)^n.
+class PLASTIC_1 : public FormulaLaw<SwiftFormula> {
+public:
+    explicit PLASTIC_1(const RoomOri& record);
+    std::shared_ptr<ColdLaw> clone() const override { return std::make_shared<PLASTIC_1>(*this); }
+    std::vector<const char*> variableNames() const override { return {"Y0", "s0", "n"}; }
+    std::vector<ParameterBound> defaultBounds() const override;
+    std::string resultText() const override;
+    bool writeLibraryBlock(TextWriter& out, int version) const override;
+
+protected:
+    void estimateStart(const FitPoints& points, double* p) const override;
+    void maskGradient(double* g) const override;
+    int gridParameter() const override { return 1; }
+};
+
+// Hollomon: sigma = K eps^n.
+class PLASTIC_3 : public FormulaLaw<HollomonFormula> {
+public:
+    explicit PLASTIC_3(const RoomOri& record);
+    std::shared_ptr<ColdLaw> clone() const override { return std::make_shared<PLASTIC_3>(*this); }
+    std::vector<const char*> variableNames() const override { return {"K", "n"}; }
+    std::vector<ParameterBound> defaultBounds() const override;
+    std::string resultText() const override;
+    bool writeLibraryBlock(TextWriter& out, int version) const override;
+    // Closed form from the necking condition at the record's necking index.
+    void fitNeckingConstrained() override;
+
+protected:
+    void estimateStart(const FitPoints& points, double* p) const override;
+};
+
+// Ludwik: sigma = Y + K eps^n.
+class PLASTIC_4 : public FormulaLaw<LudwikFormula> {
+public:
+    explicit PLASTIC_4(const RoomOri& record);
+    std::shared_ptr<ColdLaw> clone() const override { return std::make_shared<PLASTIC_4>(*this); }
+    std::vector<const char*> variableNames() const override { return {"Y0", "K", "n"}; }
+    std::vector<ParameterBound> defaultBounds() const override;
+    std::string resultText() const override;
+    bool writeLibraryBlock(TextWriter& out, int version) const override;
+
+protected:
+    ErrorRule errorRule() const override { return ErrorRule::PerPoint; }
+    void estimateStart(const FitPoints& points, double* p) const override;
+};
+
+// Kim Tuan: sigma = YS + T (s0 + eps)^m (1 - exp(-C eps)).
+class PLASTIC_Kim_Tuan : public FormulaLaw<KimTuanFormula> {
+public:
+    explicit PLASTIC_Kim_Tuan(const RoomOri& record);
+    std::shared_ptr<ColdLaw> clone() const override { return std::make_shared<PLASTIC_Kim_Tuan>(*this); }
+    std::vector<const char*> variableNames() const override { return {"Y0", "s0", "T", "m", "C"}; }
+    std::vector<ParameterBound> defaultBounds() const override;
+    std::string resultText() const override;
+
+protected:
+    void estimateStart(const FitPoints& points, double* p) const override;
+    int gridParameter() const override { return 1; }
+};
+
+// Hockett-Sherby: sigma = YS + V1 (1 - exp(-V2 eps^H1)).
+class PLASTIC_Hockett_Sherby : public FormulaLaw<HockettSherbyFormula> {
+public:
+    explicit PLASTIC_Hockett_Sherby(const RoomOri& record);
+    std::shared_ptr<ColdLaw> clone() const override { return std::make_shared<PLASTIC_Hockett_Sherby>(*this); }
+    std::vector<const char*> variableNames() const override { return {"Y0", "V1", "V2", "h1"}; }
+    std::vector<ParameterBound> defaultBounds() const override;
+    std::string resultText() const override;
+
+protected:
+    ErrorRule errorRule() const override { return ErrorRule::PerPoint; }
+    void estimateStart(const FitPoints& points, double* p) const override;
+};
+
+// Voce General: sigma = V0 + V1 (1 + V3 eps)(1 - exp(-V2 eps)).
+class PLASTIC_Voce_General : public FormulaLaw<VoceGeneralFormula> {
+public:
+    explicit PLASTIC_Voce_General(const RoomOri& record);
+    std::shared_ptr<ColdLaw> clone() const override { return std::make_shared<PLASTIC_Voce_General>(*this); }
+    std::vector<const char*> variableNames() const override { return {"V0", "V1", "V2", "V3"}; }
+    std::vector<ParameterBound> defaultBounds() const override;
+    std::string resultText() const override;
+
+protected:
+    void estimateStart(const FitPoints& points, double* p) const override;
+};
+
+// El-Magd: sigma = C0 + C1 (1 - exp(-C2 eps)) + C3 eps.
+class PLASTIC_ElMagd : public FormulaLaw<ElMagdFormula> {
+public:
+    explicit PLASTIC_ElMagd(const RoomOri& record);
+    std::shared_ptr<ColdLaw> clone() const override { return std::make_shared<PLASTIC_ElMagd>(*this); }
+    std::vector<const char*> variableNames() const override { return {"V0", "V1", "V2", "V3"}; }
+    std::vector<ParameterBound> defaultBounds() const override;
+    std::string resultText() const override;
+
+protected:
+    ErrorRule errorRule() const override { return ErrorRule::PerPoint; }
+    void estimateStart(const FitPoints& points, double* p) const override;
+};
+
+// Voyiadjis-Abed: sigma = V0 + V1 sqrt(1 - exp(-V2 eps)), the hardening of a
+// dislocation density that saturates with strain.
+class PLASTIC_Voyiadjis_Abed : public FormulaLaw<VoyiadjisAbedFormula> {
+public:
+    explicit PLASTIC_Voyiadjis_Abed(const RoomOri& record);
+    std::shared_ptr<ColdLaw> clone() const override { return std::make_shared<PLASTIC_Voyiadjis_Abed>(*this); }
+    std::vector<const char*> variableNames() const override { return {"V0", "V1", "V2"}; }
+    std::vector<ParameterBound> defaultBounds() const override;
+    std::string resultText() const override;
+
+protected:
+    void estimateStart(const FitPoints& points, double* p) const override;
+};
+
+// The selection list of the tensile screen; index 0 is the tensile simulation.
+inline constexpr int kColdLawCount = 9;
+const char* coldLawListEntry(int listIndex);
+// A law of the list's class as a copy of the record (nothing for index 0 or out of range).
+std::shared_ptr<ColdLaw> makeColdLaw(int listIndex, const RoomOri& record);
+
+}  // namespace zelko

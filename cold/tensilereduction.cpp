@@ -1,0 +1,134 @@
+#include "cold/tensilereduction.h"
+
+#include <cmath>
+
+namespace zelko {
+
+namespace {
+
+std::optional<double> forceFactor(int forceUnit)
+{
+    switch (forceUnit) {
+    case 0: return 1.0;
+    case 1: return 1000.0;
+    case 2: return 9.80665;
+    case 3: return 9.80665 * 1000.0;
+    case 4: return 0.45359237 * 9.80665;
+    default: return std::nullopt;
+    }
+}
+
+bool allFinite(const Curve& curve)
+{
+    for (const CurvePoint& p : curve)
+        if (!std::isfinite(p.x) || !std::isfinite(p.y))
+            return false;
+    return true;
+}
+
+// Load-displacement from engineering values: d = e L0 / 2, F = A s.
+Curve loadDisplacementFrom(const Curve& engineering, double gaugeLength, double area)
+{
+    Curve out;
+    out.reserve(engineering.size());
+    for (const CurvePoint& p : engineering)
+        out.push_back({p.x * gaugeLength * 0.5, area * p.y});
+    return out;
+}
+
+}  // namespace
+
+std::optional<std::string> convertEnteredUnits(RoomOri& record)
+{
+    const std::optional<double> factor = forceFactor(record.forceUnit);
+    double lengthFactor = 1.0;
+    if (record.inputKind == LoadDisplacement) {
+        if (record.lengthUnit == 0)
+            lengthFactor = 0.5;
+        else if (record.lengthUnit == 1)
+            lengthFactor = 25.4 * 0.5;
+        else
+            return std::string("Incorrect length unit was selected.");
+    } else if (record.lengthUnit == 1) {
+        lengthFactor = 0.01;  // strain entered in percent
+    }
+    if (!factor)
+        return std::string("Incorrect force unit was selected");
+    if (record.inputKind < LoadDisplacement || record.inputKind > TrueCurve)
+        return std::string("Unknown kind of input curve.");
+    for (CurvePoint& p : record.curves[static_cast<std::size_t>(record.inputKind)]) {
+        p.x *= lengthFactor;
+        p.y *= *factor;
+    }
+    return std::nullopt;
+}
+
+double specimenArea(double diameter)
+{
+    return std::round(diameter * diameter * 0.7853981633974483 * 10000.0) / 10000.0;
+}
+
+std::optional<std::string> deriveCurveForms(RoomOri& record, double& area)
+{
+    if (!(record.diameter > 0.0) || !(record.gaugeLength > 0.0) || !std::isfinite(record.diameter)
+        || !std::isfinite(record.gaugeLength))
+        return std::string("The diameter and the gauge length must be greater than 0.");
+    if (record.inputKind < LoadDisplacement || record.inputKind > TrueCurve)
+        return std::string("Unknown kind of input curve.");
+    const Curve& entered = record.curves[static_cast<std::size_t>(record.inputKind)];
+    if (!allFinite(entered))
+        return std::string("The curve holds a value that is not a number.");
+
+    Curve& loadDisplacement = record.curves[LoadDisplacement];
+    Curve& engineering = record.curves[EngineeringCurve];
+    switch (record.inputKind) {
+    case LoadDisplacement: {
+        const double circle = record.diameter * record.diameter * std::atan(1.0);  // pi D^2 / 4
+        engineering.clear();
+        engineering.reserve(entered.size());
+        for (const CurvePoint& p : entered)
+            engineering.push_back({2.0 * p.x / record.gaugeLength, p.y / circle});
+        return std::nullopt;
+    }
+    case EngineeringCurve:
+        engineering = entered;
+        break;
+    case TrueCurve:
+        engineering.clear();
+        engineering.reserve(entered.size());
+        // exp(eps - 1), not exp(eps) - 1: the screen has always derived it this way.
+        for (const CurvePoint& p : entered) {
+            const double e = std::exp(p.x - 1.0);
+            engineering.push_back({e, p.y / (e + 1.0)});
+        }
+        break;
+    }
+    if (area <= 0.0)
+        area = specimenArea(record.diameter);
+    loadDisplacement = loadDisplacementFrom(engineering, record.gaugeLength, area);
+    return std::nullopt;
+}
+
+std::optional<Curve> trueCurveFromEngineering(const RoomOri& record)
+{
+    const Curve& engineering = record.curves[EngineeringCurve];
+    const long long first = record.startIndex;
+    const long long last = record.neckingIndex;
+    if (first < 0 || last - first + 1 < 2 || last >= static_cast<long long>(engineering.size()))
+        return std::nullopt;
+    const double startStrain = engineering[static_cast<std::size_t>(first)].x;
+    if (!(startStrain > -1.0))
+        return std::nullopt;
+    const double shift = std::log(1.0 + startStrain);
+    Curve trueCurve;
+    trueCurve.reserve(static_cast<std::size_t>(last - first + 1));
+    for (long long i = first; i <= last; ++i) {
+        const CurvePoint& p = engineering[static_cast<std::size_t>(i)];
+        if (!(p.x > -1.0) || !std::isfinite(p.y))
+            return std::nullopt;
+        trueCurve.push_back({std::log(1.0 + p.x) - shift, (1.0 + p.x) * p.y});
+    }
+    return trueCurve;
+}
+
+}  // namespace zelko
