@@ -136,6 +136,20 @@ double ColdLaw::objective(const std::vector<double>& p, std::size_t n) const
     return errorOf(points, work, Residuals::Plain, n);
 }
 
+std::vector<double> ColdLaw::sumOfSquaresGradient(const std::vector<double>& p) const
+{
+    std::vector<double> g(parameterCount(), 0.0);
+    const FitPoints points = fittedPoints();
+    if (p.size() != g.size())
+        return g;
+    FitWork work(points.size());
+    evaluateAll(points, p.data(), points.size(), work);
+    for (std::size_t i = 0; i < points.size(); ++i)
+        work.factor[i] = 2.0 * (work.model[i] - points.stress[i]);
+    gradientAll(points, p.data(), work, g.data());
+    return g;
+}
+
 void ColdLaw::fitPlain()
 {
     const FitPoints points = fittedPoints();

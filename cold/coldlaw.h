@@ -70,6 +70,8 @@ public:
     void fitWeighted();
     // The error of p over the first n fitted points (all when n exceeds them).
     double objective(const std::vector<double>& p, std::size_t n) const;
+    // Gradient of the plain sum of squared residuals over the fitted points.
+    std::vector<double> sumOfSquaresGradient(const std::vector<double>& p) const;
 
     // The points the law is fitted to: the true curve from the start index on,
     // up to the necking index when the curve reaches it.
