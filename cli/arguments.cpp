@@ -20,6 +20,11 @@ bool contains(const std::vector<std::string_view>& names, std::string_view name)
 
 }  // namespace
 
+bool ParsedArguments::flag(std::string_view name) const
+{
+    return std::find(flags.begin(), flags.end(), name) != flags.end();
+}
+
 const std::string* ParsedArguments::option(std::string_view name) const
 {
     const auto found = options.find(name);
@@ -51,6 +56,14 @@ std::optional<ParsedArguments> parseArguments(
         if (const auto equals = arg.find('='); arg.starts_with("--") && equals != std::string::npos) {
             name = arg.substr(0, equals);
             inlineValue = arg.substr(equals + 1);
+        }
+        if (contains(spec.flagOptions, name) && !inlineValue) {
+            if (parsed.flag(name)) {
+                error = "option '" + name + "' given twice";
+                return std::nullopt;
+            }
+            parsed.flags.push_back(name);
+            continue;
         }
         if (!contains(spec.valueOptions, name)) {
             error = "unknown option '" + name + "'";
@@ -102,6 +115,23 @@ bool numberOption(const ParsedArguments& args, std::string_view name, double& va
     const auto [end, ec] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
     if (ec != std::errc() || end != digits.data() + digits.size() || !std::isfinite(value)) {
         error = "option '" + std::string(name) + "': '" + *text + "' is not a number";
+        return false;
+    }
+    return true;
+}
+
+bool integerOption(const ParsedArguments& args, std::string_view name, long long minimum, long long maximum,
+                   long long& value, std::string& error)
+{
+    const std::string* text = args.option(name);
+    if (!text) {
+        error = "missing option '" + std::string(name) + "'";
+        return false;
+    }
+    const auto [end, ec] = std::from_chars(text->data(), text->data() + text->size(), value);
+    if (ec != std::errc() || end != text->data() + text->size() || value < minimum || value > maximum) {
+        error = "option '" + std::string(name) + "': '" + *text + "' is not a whole number from "
+                + std::to_string(minimum) + " to " + std::to_string(maximum);
         return false;
     }
     return true;

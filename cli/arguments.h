@@ -16,14 +16,17 @@ struct ArgumentSpec {
     std::vector<std::string_view> requiredOptions;  // a subset of valueOptions
     std::vector<std::string_view> positionalNames;  // in order, for messages ("MATERIAL.zmat")
     std::size_t requiredPositionals = 0;  // the first ones are required, the rest optional
+    std::vector<std::string_view> flagOptions = {};  // "--weighted", ...: take no value
 };
 
 struct ParsedArguments {
     bool help = false;
     std::vector<std::string> positionals;
     std::map<std::string, std::string, std::less<>> options;
+    std::vector<std::string> flags;
 
     const std::string* option(std::string_view name) const;
+    bool flag(std::string_view name) const;
 };
 
 // "--help" or "-h" anywhere (before "--") asks for help and wins over every other
@@ -34,5 +37,8 @@ std::optional<ParsedArguments> parseArguments(
 
 // The option's value as a number; the whole text must be one finite number.
 [[nodiscard]] bool numberOption(const ParsedArguments& args, std::string_view name, double& value, std::string& error);
+// The option's value as a whole number within [minimum, maximum].
+[[nodiscard]] bool integerOption(const ParsedArguments& args, std::string_view name, long long minimum,
+                                 long long maximum, long long& value, std::string& error);
 
 }  // namespace zelko::cli

@@ -1,0 +1,65 @@
+#include "cold/curvefile.h"
+
+#include <charconv>
+#include <cmath>
+
+#include "project/textfile.h"
+
+namespace zelko {
+
+namespace {
+
+bool parseNumber(std::string_view token, double& value)
+{
+    if (token.starts_with('+'))
+        token.remove_prefix(1);
+    const auto [end, ec] = std::from_chars(token.data(), token.data() + token.size(), value);
+    return ec == std::errc() && end == token.data() + token.size();
+}
+
+}  // namespace
+
+std::optional<Curve> readCurveText(std::string_view bytes, std::string& error)
+{
+    if (bytes.starts_with("\xEF\xBB\xBF"))
+        bytes.remove_prefix(3);
+    Curve curve;
+    bool inData = false;
+    std::size_t lineNumber = 0;
+    while (!bytes.empty()) {
+        const std::size_t end = bytes.find('\n');
+        std::string_view line = bytes.substr(0, end);
+        bytes = end == std::string_view::npos ? std::string_view() : bytes.substr(end + 1);
+        ++lineNumber;
+        const std::vector<std::string> tokens = split(line, " \t,;\r");
+        if (tokens.empty() || tokens[0].starts_with('#'))
+            continue;
+        double values[3] = {0, 0, 1};
+        const std::size_t columns = tokens.size();
+        bool numbers = columns <= 3;
+        for (std::size_t i = 0; numbers && i < columns; ++i)
+            numbers = parseNumber(tokens[i], values[i]);
+        if (!numbers && !inData) {
+            double ignored = 0;
+            if (!parseNumber(tokens[0], ignored))
+                continue;  // a header line of words
+        }
+        if (!numbers || columns < 2) {
+            error = "line " + std::to_string(lineNumber) + ": expected two or three numbers";
+            return std::nullopt;
+        }
+        if (!std::isfinite(values[0]) || !std::isfinite(values[1]) || !std::isfinite(values[2])) {
+            error = "line " + std::to_string(lineNumber) + ": a value is not a finite number";
+            return std::nullopt;
+        }
+        inData = true;
+        curve.push_back({values[0], values[1], values[2], columns == 3});
+    }
+    if (curve.size() < 2) {
+        error = "the curve has fewer than two points";
+        return std::nullopt;
+    }
+    return curve;
+}
+
+}  // namespace zelko
