@@ -9,7 +9,13 @@ echo "== A new steel material with the screens' steel presets"
 "$cli" new -o "$out/steel.zmat" --title "AISI 1045" --elastic steel --thermal steel
 echo "== Young's modulus of AISI 1045 (C 0.45, Mn 0.75, Si 0.25, P 0.02, S 0.02) by Tselikov"
 "$cli" estimate-modulus --C 0.45 --Mn 0.75 --Si 0.25 --P 0.02 --S 0.02 "$out/steel.zmat" -o "$out/steel-tselikov.zmat"
+echo "== Swift law fitted to the AISI 1045 tensile test (lucasguesserts/mechanical_testing, MIT)"
+"$cli" fit-cold "$out/steel-tselikov.zmat" --curve tests/data/measured/tensile-steel-1045.csv --input load \
+  --diameter 10 --gauge-length 75 --law swift --start 220 -o "$out/steel-swift.zmat" --export "$out/steel-swift.z3dlib"
+echo "== Voce General law on the AISI 4130 test"
+"$cli" fit-cold "$out/steel-tselikov.zmat" --curve tests/data/measured/tensile-steel-4130.csv --input load \
+  --diameter 10 --gauge-length 75 --law voce --start 150 -o "$out/steel-4130.zmat"
 echo "== The material as JSON"
-"$cli" info "$out/steel-tselikov.zmat"
+"$cli" info "$out/steel-swift.zmat" | head -40
 echo
 echo "Files left in $out"
