@@ -1,7 +1,244 @@
+#include <charconv>
+#include <cmath>
+#include <memory>
+#include <vector>
+
 #include "cli/commands.h"
+#include "cli/materialio.h"
+#include "cli/messages.h"
+#include "hot/celltypes.h"
+#include "hot/gnuplot.h"
+#include "hot/hotcsv.h"
+#include "hot/hotmodels.h"
+#include "hot/processingmap.h"
+#include "project/libraryexport.h"
 
 namespace zelko::cli {
 
-std::span<const Command> hotCommands() { return {}; }
+namespace {
+
+constexpr std::string_view kOutput = "-o";
+// A contour every 0.1 % of efficiency is already more than a map can show.
+constexpr double kSmallestContourStep = 0.1;
+constexpr int kMapPictureWidth = 1200;
+constexpr int kMapPictureHeight = 600;
+
+bool parseType(const std::string& text, int& modelId, std::string& error)
+{
+    if (text == "162") {
+        error = "option '--type': " + std::string(kModel162Refused);
+        return false;
+    }
+    for (const HotTypeItem& item : hotTypeItems())
+        if (item.modelId != 0 && std::to_string(item.modelId) == text) {
+            modelId = item.modelId;
+            return true;
+        }
+    error = "option '--type': '" + text + "' is none of 16, 17, 161, 163 to 169, 1600, 50";
+    return false;
+}
+
+// "--strains 0.1,0.2,0.3": the list as the screen's group builds it.
+bool parseStrains(const std::string& text, GroupItems& items, std::string& error)
+{
+    for (const std::string& piece : split(std::string_view(text), ", \t;")) {
+        double value = 0.0;
+        const auto [end, ec] = std::from_chars(piece.data(), piece.data() + piece.size(), value);
+        if (ec != std::errc() || end != piece.data() + piece.size() || !std::isfinite(value)) {
+            error = "option '--strains': '" + piece + "' is not a number";
+            return false;
+        }
+        if (const std::string_view refused = addGroupValue(items, HotGroup::Strain, value); !refused.empty()) {
+            error = "option '--strains': " + std::string(refused);
+            return false;
+        }
+    }
+    if (items.empty()) {
+        error = "option '--strains': no strain given";
+        return false;
+    }
+    return true;
+}
+
+bool parseCsvOptions(const ParsedArguments& args, HotCsvOptions& options, std::string& error)
+{
+    if (const std::string* measure = args.option("--strain-measure")) {
+        if (*measure == "true")
+            options.measure = StrainMeasure::True;
+        else if (*measure == "engineering")
+            options.measure = StrainMeasure::Engineering;
+        else {
+            error = "option '--strain-measure': '" + *measure + "' is neither true nor engineering";
+            return false;
+        }
+    }
+    if (args.option("--strain-offset")) {
+        if (!numberOption(args, "--strain-offset", options.strainOffset, error))
+            return false;
+        if (options.strainOffset < 0.0) {
+            error = "option '--strain-offset': must not be below 0";
+            return false;
+        }
+    }
+    return true;
+}
+
+// A per-cell law can't be written for a cell without a curve.
+bool checkCells(const PLASTIC_HOT& dataSet, std::string& error)
+{
+    for (std::size_t t = 0; t < dataSet.temperatures.size(); ++t)
+        for (std::size_t r = 0; r < dataSet.strainRates.size(); ++r)
+            if (dataSet.curve(t, r).empty()) {
+                error = formatText("no curve for temperature %g and strain rate %g; this type needs every cell",
+                                   dataSet.temperatures[t], dataSet.strainRates[r]);
+                return false;
+            }
+    return true;
+}
+
+void warnAbout(const HotFitResult& result, const std::string& path)
+{
+    for (const std::string& note : result.notes)
+        warn(fileMessage(path, note));
+    if (result.stoppedEarly)
+        warn(formatText("the fit stopped after %d iterations: %s", result.iterations, result.stopReason.c_str()));
+}
+
+int runFitHot(const ParsedArguments& args)
+{
+    const std::string& materialPath = args.positionals[0];
+    const std::string& curvesPath = *args.option("--curves");
+    std::string error;
+    int modelId = 0;
+    HotCsvOptions csvOptions;
+    HotFitOptions fitOptions;
+    GroupItems strainItems;
+    long long iterations = kDefaultHotIterations;
+    if (!parseType(*args.option("--type"), modelId, error) || !parseCsvOptions(args, csvOptions, error)
+        || (args.option("--max-iter") && !integerOption(args, "--max-iter", 1, 100'000'000, iterations, error))
+        || (args.option("--strains") && !parseStrains(*args.option("--strains"), strainItems, error)))
+        return fail(error);
+    fitOptions.maxIterations = static_cast<int>(iterations);
+
+    Project project;
+    if (!loadMaterial(materialPath, project, error))
+        return fail(error);
+    const auto bytes = readInput(curvesPath, error, kMaxHotCsvBytes);
+    if (!bytes)
+        return fail(error);
+    std::optional<PLASTIC_HOT> dataSet = readHotCurvesCsv(*bytes, csvOptions, error);
+    if (!dataSet)
+        return fail(fileMessage(curvesPath, error));
+    dataSet->strains = strainItems.empty() ? defaultSampleStrains(*dataSet) : groupValues(strainItems);
+    if (dataSet->strains.empty())
+        return fail(fileMessage(curvesPath, "no strain above 0 that every curve reaches; give --strains"));
+
+    const std::shared_ptr<PLASTIC_HOT> model = createHotModel(modelId, *dataSet);
+    const auto* cells = dynamic_cast<const CellTableModel*>(model.get());
+    if (cells && !checkCells(*model, error))
+        return fail(fileMessage(curvesPath, error));
+    const HotFitResult result = model->fit(fitOptions);
+    if (!result.fitted)
+        return fail(fileMessage(curvesPath, result.message));
+    // A cell without coefficients would be a hole in the library entry.
+    if (cells && !cells->unfittedCells().empty())
+        return fail(fileMessage(curvesPath, cells->unfittedCells().front()));
+    warnAbout(result, curvesPath);
+
+    project.setModel(model);
+    if (!saveMaterial(*args.option(kOutput), project, error))
+        return fail(error);
+    if (const std::string* library = args.option("--export")) {
+        TextWriter out(TextEncoding::EightBit);
+        if (!writeLibraryEntry(project, out))
+            warn(formatText("model %d has no library block; the entry's model section is empty", modelId));
+        if (!saveText(*library, out, error))
+            return fail(error);
+    }
+    return printResult(result.report);
+}
+
+int runProcessingMap(const ParsedArguments& args)
+{
+    const std::string& materialPath = args.positionals[0];
+    std::string error;
+    Project project;
+    if (!loadMaterial(materialPath, project, error))
+        return fail(error);
+    const auto* dataSet = dynamic_cast<const PLASTIC_HOT*>(project.activeModel.get());
+    if (!dataSet)
+        return fail(fileMessage(materialPath, "the material has no hot data set"));
+    if (dataSet->strains.empty())
+        return fail(fileMessage(materialPath, "the hot data set has no sample strains"));
+    long long strainIndex = 0;
+    double contourStep = 0.0;
+    if (!integerOption(args, "--strain-index", 0, static_cast<long long>(dataSet->strains.size()) - 1, strainIndex, error)
+        || !numberOption(args, "--contour-step", contourStep, error))
+        return fail(error);
+    if (!(contourStep >= kSmallestContourStep && contourStep <= 100.0))
+        return fail(formatText("option '--contour-step': must lie between %g and 100 (percent)", kSmallestContourStep));
+    const std::string* png = args.option("--png");
+    if (png && (dataSet->temperatures.size() < 2 || dataSet->strainRates.size() < 2))
+        return fail(fileMessage(materialPath, "a map needs two temperatures and two strain rates to draw"));
+
+    // The material file keeps the data set, not the fitted law: the law is fitted
+    // again (for a type without a law, the measured curves serve).
+    std::shared_ptr<PLASTIC_HOT> model = createHotModel(dataSet->modelNumber, *dataSet);
+    HotFitResult result;
+    if (model)
+        result = model->fit({});
+    if (!result.fitted)
+        model = std::make_shared<PLASTIC_HOT>(*dataSet);
+    const auto files = writeProcessingMapFiles(*model, static_cast<std::size_t>(strainIndex), contourStep, error);
+    if (!files)
+        return fail(fileMessage(materialPath, error));
+    std::string written = files->data.string() + "\n" + files->script.string() + "\n";
+    if (png) {
+        if (!renderGnuplotPng(files->script, *png, kMapPictureWidth, kMapPictureHeight, error))
+            return fail(fileMessage(*png, error));
+        written += *png + "\n";
+    }
+    return printResult(written);
+}
+
+}  // namespace
+
+std::span<const Command> hotCommands()
+{
+    static const std::vector<Command> kCommands = {
+        {"fit-hot", "fit a hot flow-stress model to hot-compression curves",
+            "Usage: zelko-mat-cli fit-hot MATERIAL.zmat --curves FILE.csv\n"
+            "                             --type 16|17|161|163..169|1600|50 [--strains LIST]\n"
+            "                             [--strain-measure true|engineering] [--strain-offset X]\n"
+            "                             [--max-iter N] -o OUT.zmat [--export LIB.z3dlib]\n"
+            "\n"
+            "Builds the hot data set from a long CSV (temperature, strain_rate, strain, stress\n"
+            "a line; a header line and lines beginning with # are skipped), fits the type and\n"
+            "prints its report. The sample strains are LIST (comma-separated, at most 15), or\n"
+            "by default up to 15 evenly spaced strains that every curve reaches. Points whose\n"
+            "strain is below the offset are dropped and the offset is subtracted from the\n"
+            "others; engineering points are converted as the data screen converts them.\n"
+            "--max-iter bounds the Hensel-Spittel descent (default 10000). The data set\n"
+            "replaces the material's flow-stress model; --export also writes the library\n"
+            "entry with the fitted law (Zener-Hollomon, 50, has no library block).\n",
+            {{kOutput, "--curves", "--type", "--strains", "--strain-measure", "--strain-offset", "--max-iter",
+                 "--export"},
+                {kOutput, "--curves", "--type"}, {"MATERIAL.zmat"}, 1},
+            runFitHot},
+        {"processing-map", "write the processing map's data and gnuplot script, optionally its picture",
+            "Usage: zelko-mat-cli processing-map MATERIAL.zmat --strain-index K --contour-step S\n"
+            "                                    [--png FILE]\n"
+            "\n"
+            "Computes the power-dissipation and instability maps at sample strain K (from 0)\n"
+            "from the material's hot model, fitted again to its data set, and writes\n"
+            "processing_map.dat and processing_map.txt into the exchange folder ($ZELKO_TEMP,\n"
+            "else ZELKO in the system's temporary folder); prints their paths. S is the\n"
+            "efficiency contour step in percent. With --png, gnuplot ($ZELKO_GNUPLOT, else\n"
+            "gnuplot on the PATH) draws both maps into FILE.\n",
+            {{"--strain-index", "--contour-step", "--png"}, {"--strain-index", "--contour-step"}, {"MATERIAL.zmat"}, 1},
+            runProcessingMap},
+    };
+    return kCommands;
+}
 
 }  // namespace zelko::cli

@@ -1,5 +1,8 @@
 #include "hot/plastic_hot.h"
 
+#include <algorithm>
+#include <climits>
+
 #include "project/tablepoint.h"
 
 namespace zelko {
@@ -88,6 +91,9 @@ void PLASTIC_HOT::readMaterialBlock(TextReader& in, int /*major*/, int minor)
         return;
     }
     curves.assign(temperatures.size(), std::vector<HotCurve>(strainRates.size()));
+    // The grid shares one allowance of points: given per cell, thousands of short
+    // cells with huge counts would each claim boundedCount's floor.
+    std::size_t pointBudget = boundedCount(LLONG_MAX, in.remaining());
     std::u16string header;
     for (std::size_t r = 0; r < strainRates.size(); ++r) {
         for (std::size_t t = 0; t < temperatures.size(); ++t) {
@@ -97,7 +103,8 @@ void PLASTIC_HOT::readMaterialBlock(TextReader& in, int /*major*/, int minor)
             if (!in.scanInt(count))
                 continue;
             HotCurve& points = curves[t][r];
-            points.assign(boundedCount(count, in.remaining()), HotCurvePoint{});
+            points.assign(std::min(boundedCount(count, in.remaining()), pointBudget), HotCurvePoint{});
+            pointBudget -= points.size();
             for (HotCurvePoint& p : points)
                 if (!in.scanDouble(p.c0) || !in.scanDouble(p.strain) || !in.scanDouble(p.stress))
                     break;

@@ -2,6 +2,8 @@
 // The hot-compression data set and base of the hot model types.
 
 #include <array>
+#include <functional>
+#include <string>
 #include <vector>
 
 #include "models/plastic.h"
@@ -19,6 +21,36 @@ using HotCurve = std::vector<HotCurvePoint>;
 
 enum HenselSpittelParameter { A = 0, M1, M2, M3, M4, M5, M6, M7, M8, M9, kHenselSpittelParameterCount };
 
+// Progress of a fit, 0 to 100.
+using HotProgress = std::function<void(int percent)>;
+
+inline constexpr int kDefaultHotIterations = 10000;
+// The length of the Hensel-Spittel descent's first trial move (unless 1/|gradient|
+// is longer); it is halved from there until the objective falls.
+inline constexpr double kDefaultHotInitialStep = 1.0;
+
+struct HotFitOptions {
+    int maxIterations = kDefaultHotIterations;
+    double initialStep = kDefaultHotInitialStep;
+    std::vector<double> rateWeights;  // one per strain rate; missing ones weigh 1
+    unsigned parameterSwitches = 0;   // bit i holds Hensel-Spittel parameter i at 0
+};
+
+struct HotFitResult {
+    bool fitted = false;       // false: nothing could be fitted (message says why)
+    std::string report;        // the report text
+    std::string message;
+    double aare = 0.0;         // fraction (the report shows percent)
+    double rmse = 0.0;         // MPa
+    std::size_t compared = 0;  // stress-table entries behind the two measures
+    std::size_t missing = 0;   // entries the curves could not give (no point there, stress not above 0)
+    int iterations = 0;
+    long evaluations = 0;  // objective evaluations of a descent
+    bool stoppedEarly = false;
+    std::string stopReason;
+    std::vector<std::string> notes;  // what was left out and why
+};
+
 class PLASTIC_HOT : public Plastic {
 public:
     PLASTIC_HOT() { modelKind = HotModel; }
@@ -27,6 +59,11 @@ public:
     void writeMaterialBlock(TextWriter& out, int major, int minor) const override;
     // The type's own step after a fit (its coefficient table); nothing here.
     virtual void fillCellCoefficients() {}
+    // Flow stress (MPa) at a strain, strain rate (1/s) and temperature. The data
+    // set alone interpolates its measured curves; each type evaluates its law.
+    virtual double evaluate(double strain, double strainRate, double temperature) const;
+    // Fits the type to the data set; the data set alone has nothing to fit.
+    virtual HotFitResult fit(const HotFitOptions& options, const HotProgress& progress = {});
 
     // The material reader's three-column flag is the hot flag of the block.
     bool hasThreeColumns() const { return hotFlag; }

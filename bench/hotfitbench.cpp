@@ -1,0 +1,83 @@
+// The hot fits and the processing map: Hensel-Spittel on 6 temperatures x 4 rates
+// x 15 strains with 10,000 iterations, the map on 30 x 9 x 15, and the other types
+// on the measured Gleeble series.
+#include <benchmark/benchmark.h>
+
+#include "bench/hotcurves.h"
+#include "hot/hotmodels.h"
+#include "hot/processingmap.h"
+
+namespace {
+
+using namespace zelko;
+
+void reportFit(benchmark::State& state, const HotFitResult& result)
+{
+    state.counters["iterations"] = result.iterations;
+    state.counters["evaluations"] = static_cast<double>(result.evaluations);
+    state.counters["AARE%"] = result.aare * 100.0;
+    state.counters["RMSE"] = result.rmse;
+}
+
+void BM_HenselSpittelSynthetic(benchmark::State& state)
+{
+    const PLASTIC_HOT dataSet = bench::syntheticDataSet(6, {0.01, 0.1, 1.0, 10.0});
+    HotFitResult result;
+    for (auto _ : state) {
+        auto model = createHotModel(17, dataSet);
+        result = model->fit({});
+        benchmark::DoNotOptimize(model->parameters.data());
+    }
+    reportFit(state, result);
+}
+BENCHMARK(BM_HenselSpittelSynthetic)->Unit(benchmark::kMillisecond);
+
+// The measured series: 5 temperatures x 6 rates x 14 strains.
+void BM_MeasuredFit(benchmark::State& state)
+{
+    const int modelId = static_cast<int>(state.range(0));
+    const PLASTIC_HOT dataSet = bench::measuredDataSet();
+    HotFitResult result;
+    for (auto _ : state) {
+        auto model = createHotModel(modelId, dataSet);
+        result = model->fit({});
+        benchmark::DoNotOptimize(model.get());
+    }
+    state.SetLabel("type " + std::to_string(modelId));
+    reportFit(state, result);
+}
+BENCHMARK(BM_MeasuredFit)->Arg(17)->Arg(50)->Arg(16)->Arg(161)->Arg(164)->Arg(169)->Arg(1600)->Unit(benchmark::kMillisecond);
+
+std::shared_ptr<PLASTIC_HOT> fittedMapModel()
+{
+    auto model = createHotModel(17, bench::syntheticDataSet(30, {0.001, 0.003, 0.01, 0.03, 0.1, 0.3, 1, 3, 10}));
+    model->fit({});
+    return model;
+}
+
+void BM_ProcessingMap(benchmark::State& state)
+{
+    const auto model = fittedMapModel();
+    std::string error;
+    for (auto _ : state) {
+        auto map = computeProcessingMap(*model, std::nullopt, error);
+        benchmark::DoNotOptimize(map->efficiency(0, 0, 0));
+    }
+    state.SetLabel("30 x 9 x 15, all strains");
+}
+BENCHMARK(BM_ProcessingMap)->Unit(benchmark::kMillisecond);
+
+// What the map command does for one strain: the map and its data file's bytes.
+void BM_ProcessingMapDataFile(benchmark::State& state)
+{
+    const auto model = fittedMapModel();
+    std::string error;
+    for (auto _ : state) {
+        auto map = computeProcessingMap(*model, 7, error);
+        benchmark::DoNotOptimize(processingMapData(*map, 0).bytes());
+    }
+    state.SetLabel("30 x 9, one strain, with the data file");
+}
+BENCHMARK(BM_ProcessingMapDataFile)->Unit(benchmark::kMillisecond);
+
+}  // namespace

@@ -1,0 +1,94 @@
+#pragma once
+// Editing the hot data set as its screen does: the three value groups, the
+// grid they span, a curve shown as text, and raw curve text imported through the
+// exchange file. The screen calls these and shows the messages they return.
+
+#include <array>
+#include <cstddef>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "hot/plastic_hot.h"
+
+namespace zelko {
+
+inline constexpr std::size_t kMaxTemperatures = 30;
+inline constexpr std::size_t kMaxStrains = 15;
+
+inline constexpr std::string_view kRateNotPositive = "Please enter a number greater than '0'.";
+inline constexpr std::string_view kTooManyTemperatures = "The maximum number of temperature is 30.";
+inline constexpr std::string_view kTooManyStrains = "The maximum number of strain is 15.";
+inline constexpr std::string_view kTooFewRates = "The strain-rate group need at least two number of items";
+inline constexpr std::string_view kNoTemperature = "The temperature group need at least one number of items";
+inline constexpr std::string_view kNoExchangeFolder = "It did not create Directory(c:\\temp\\ZELKO).";
+inline constexpr std::string_view kRawFileNotSaved = "It did not save a raw data file.";
+
+enum class HotGroup { StrainRate, Temperature, Strain };
+
+// A group's list as the screen holds it: "%g" texts in ascending order of value.
+using GroupItems = std::vector<std::string>;
+
+// Adds a value: refused with the group's message at its limit, nothing done when
+// its "%g" text is already listed, else inserted after every value not above it.
+// The message is empty unless the value was refused.
+std::string_view addGroupValue(GroupItems& items, HotGroup group, double value);
+std::vector<double> groupValues(const GroupItems& items);
+
+// Rebuilds the grid from the lists; a curve stays where its temperature and rate
+// (by their "%g" texts) are still listed. The refusal message, or empty.
+std::string_view applyGroups(PLASTIC_HOT& dataSet, const GroupItems& strainRates, const GroupItems& temperatures,
+                             const GroupItems& strains);
+
+// The cell's curve as the raw-text edit shows it, one "\r\n"-ended line a point.
+std::u16string curveText(const HotCurve& curve, bool numberedLines, int columnMode);
+
+enum class StrainMeasure { True = 0, Engineering = 1 };
+inline constexpr std::array<std::string_view, 2> kStrainMeasureItems = {"True", "Engineering"};
+
+struct RawCurveLayout {
+    bool numberedLines = false;
+    int columnMode = 0;  // 0: strain, stress; 1: c0, strain, stress
+    bool negateStrain = false;
+    bool negateStress = false;
+    StrainMeasure measure = StrainMeasure::True;
+};
+
+// What every reader does to a point after reading it: drop it when |strain| is
+// below the offset (else subtract the offset), negate, raise maxStress, convert an
+// engineering point. False for a point that is dropped; points that are not
+// finite, or engineering strains of 1 or more, are dropped too.
+bool acceptRawPoint(HotCurvePoint& point, const RawCurveLayout& layout, double strainOffset, double& maxStress);
+
+// The raw-curve exchange file "tmp.txt" in the exchange folder.
+std::filesystem::path rawCurveFilePath();
+// Its bytes: byte-order mark and the edit's text as UTF-16LE (line ends "\r\n").
+std::string rawCurveFileBytes(std::u16string_view editText);
+
+// The single-curve reader over the exchange file's bytes.
+HotCurve readSingleCurve(std::string_view fileBytes, const RawCurveLayout& layout, double strainOffset,
+                         double& maxStress);
+// The multi-curve reader: each line a strain and one stress per column.
+std::vector<HotCurve> readMultiCurve(std::string_view fileBytes, const RawCurveLayout& layout, std::size_t columns,
+                                     double strainOffset, double& maxStress);
+
+// The selected rates and temperatures (indices into the data set's lists, in the
+// order of selection).
+struct CurveSelection {
+    std::vector<std::size_t> strainRates;
+    std::vector<std::size_t> temperatures;
+};
+
+// Reads the exchange file's bytes into the selected cells: one rate and one
+// temperature take a single curve, several of one of them with one of the other
+// take a curve per column. False when the selection imports nothing.
+bool importRawCurves(PLASTIC_HOT& dataSet, std::string_view fileBytes, const CurveSelection& selection,
+                     const RawCurveLayout& layout, double strainOffset);
+
+// The screen's import: writes the edit's text to the exchange file and reads it
+// back. The message box text on failure, else empty.
+std::string_view importRawText(PLASTIC_HOT& dataSet, std::u16string_view editText, const CurveSelection& selection,
+                               const RawCurveLayout& layout, double strainOffset);
+
+}  // namespace zelko

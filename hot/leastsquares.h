@@ -1,0 +1,115 @@
+#pragma once
+// Small least-squares tools for the per-cell and Zener-Hollomon fits.
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <optional>
+#include <vector>
+
+namespace zelko {
+
+// Coefficients b minimising Σ (y − Σ b_j·row_j)²; nothing when the rows don't
+// determine them (too few, or dependent columns) or the result is not finite.
+template <std::size_t P>
+struct LinearFit {
+    std::array<double, P> coefficients{};
+    double sse = 0.0;
+};
+template <std::size_t P>
+std::optional<LinearFit<P>> linearLeastSquares(const std::vector<std::array<double, P>>& rows, const std::vector<double>& y);
+
+// Slope of y against x by least squares; nothing for fewer than two distinct x.
+std::optional<double> slopeOf(const std::vector<double>& x, const std::vector<double>& y);
+
+// The x in [lo, hi] where f is least, by golden-section search from the best of
+// a coarse scan (the functions met here are not unimodal over the whole range).
+template <class F>
+double minimiseOnInterval(F&& f, double lo, double hi, int scanPoints = 24, int refinements = 40);
+
+// The point near start where f is least, by Nelder-Mead in two dimensions from a
+// simplex of the given size; for valleys that lie across the axes.
+template <class F>
+std::array<double, 2> minimiseInPlane(F&& f, std::array<double, 2> start, std::array<double, 2> size, int iterations = 300);
+
+template <class F>
+std::array<double, 2> minimiseInPlane(F&& f, std::array<double, 2> start, std::array<double, 2> size, int iterations)
+{
+    using Point = std::array<double, 2>;
+    std::array<Point, 3> p = {start, Point{start[0] + size[0], start[1]}, Point{start[0], start[1] + size[1]}};
+    std::array<double, 3> v = {f(p[0]), f(p[1]), f(p[2])};
+    const auto along = [](const Point& a, const Point& b, double t) {
+        return Point{a[0] + t * (b[0] - a[0]), a[1] + t * (b[1] - a[1])};
+    };
+    for (int i = 0; i < iterations; ++i) {
+        // Order best, middle, worst.
+        for (int a = 0; a < 2; ++a)
+            for (int b = 0; b < 2 - a; ++b)
+                if (v[b + 1] < v[b]) {
+                    std::swap(v[b], v[b + 1]);
+                    std::swap(p[b], p[b + 1]);
+                }
+        const Point centre = along(p[0], p[1], 0.5);
+        const Point reflected = along(centre, p[2], -1.0);
+        const double vr = f(reflected);
+        if (vr < v[0]) {
+            const Point expanded = along(centre, p[2], -2.0);
+            const double ve = f(expanded);
+            p[2] = ve < vr ? expanded : reflected;
+            v[2] = std::min(ve, vr);
+        } else if (vr < v[1]) {
+            p[2] = reflected, v[2] = vr;
+        } else {
+            const Point contracted = along(centre, p[2], 0.5);
+            const double vc = f(contracted);
+            if (vc < v[2]) {
+                p[2] = contracted, v[2] = vc;
+            } else {
+                for (int k = 1; k < 3; ++k) {
+                    p[k] = along(p[0], p[k], 0.5);
+                    v[k] = f(p[k]);
+                }
+            }
+        }
+    }
+    const auto best = std::min_element(v.begin(), v.end()) - v.begin();
+    return p[static_cast<std::size_t>(best)];
+}
+
+template <class F>
+double minimiseOnInterval(F&& f, double lo, double hi, int scanPoints, int refinements)
+{
+    double bestX = lo;
+    double bestF = f(lo);
+    const double h = (hi - lo) / scanPoints;
+    for (int i = 1; i <= scanPoints; ++i) {
+        const double x = lo + i * h;
+        const double v = f(x);
+        if (v < bestF) {
+            bestF = v;
+            bestX = x;
+        }
+    }
+    double a = std::max(lo, bestX - h);
+    double b = std::min(hi, bestX + h);
+    constexpr double kRatio = 0.6180339887498949;
+    double c = b - kRatio * (b - a);
+    double d = a + kRatio * (b - a);
+    double fc = f(c);
+    double fd = f(d);
+    for (int i = 0; i < refinements; ++i) {
+        if (fc < fd) {
+            b = d, d = c, fd = fc;
+            c = b - kRatio * (b - a);
+            fc = f(c);
+        } else {
+            a = c, c = d, fc = fd;
+            d = a + kRatio * (b - a);
+            fd = f(d);
+        }
+    }
+    const double x = fc < fd ? c : d;
+    return std::min(fc, fd) < bestF ? x : bestX;
+}
+
+}  // namespace zelko

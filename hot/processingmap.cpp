@@ -1,0 +1,270 @@
+#include "hot/processingmap.h"
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+
+#include "hot/gnuplot.h"
+#include "hot/stresstable.h"
+#include "hot/vectormath.h"
+#include "project/exchangefolder.h"
+#include "project/fileio.h"
+
+namespace zelko {
+
+void appendFixed10(std::string& line, double value)
+{
+    const double magnitude = std::fabs(value);
+    if (!(magnitude < 1e12)) {
+        line += formatText("%10.4f", value);
+        return;
+    }
+    // magnitude·10⁴ is exactly p + error; the rounding looks at both, so it is
+    // printf's: the exact binary value, ties to even.
+    const double p = magnitude * 10000.0;
+    const double error = std::fma(magnitude, 10000.0, -p);
+    const auto whole = static_cast<unsigned long long>(p);
+    bool up = false;
+    if (p >= 0.5) {
+        const double d = (p - static_cast<double>(whole)) - 0.5;
+        up = d > 0.0 || (d == 0.0 && (error > 0.0 || (error == 0.0 && (whole & 1u) != 0)));
+    }
+    const unsigned long long units = whole + (up ? 1u : 0u);
+    char text[32];
+    char* end = text + sizeof text;
+    char* at = end;
+    unsigned long long rest = units;
+    for (int i = 0; i < 4; ++i, rest /= 10)
+        *--at = static_cast<char>('0' + rest % 10);
+    *--at = '.';
+    do {
+        *--at = static_cast<char>('0' + rest % 10);
+        rest /= 10;
+    } while (rest > 0);
+    if (std::signbit(value))
+        *--at = '-';
+    const auto length = static_cast<std::size_t>(end - at);
+    if (length < 10)
+        line.append(10 - length, ' ');
+    line.append(at, length);
+}
+
+std::optional<ProcessingMap> computeProcessingMap(const PLASTIC_HOT& model, std::optional<std::size_t> onlyStrain,
+                                                  std::string& error)
+{
+    const std::vector<double>& T = model.temperatures;
+    const std::vector<double>& R = model.strainRates;
+    for (const double rate : R)
+        if (!(rate > 0.0) || !std::isfinite(rate)) {
+            error = "the strain rates must be finite and above 0";
+            return std::nullopt;
+        }
+    for (const double t : T)
+        if (!std::isfinite(t)) {
+            error = "the temperatures must be finite";
+            return std::nullopt;
+        }
+    if (onlyStrain && *onlyStrain >= model.strains.size()) {
+        error = "no such sample strain";
+        return std::nullopt;
+    }
+    ProcessingMap map;
+    if (onlyStrain)
+        map.strains = {model.strains[*onlyStrain]};
+    else
+        map.strains = model.strains;
+    const std::size_t NT = T.size() < 2 ? 0 : (T.size() - 1) * kMapNodesPerInterval;
+    const std::size_t NR = R.size() < 2 ? 0 : (R.size() - 1) * kMapNodesPerInterval;
+    const std::size_t NS = map.strains.size();
+    if (NT * NR * NS > kMaxProcessingMapEntries) {
+        error = formatText("the map would have %zu grid entries, more than the %zu it may hold", NT * NR * NS,
+                           kMaxProcessingMapEntries);
+        return std::nullopt;
+    }
+    for (std::size_t i = 0; i < NT; ++i)
+        map.temperatures.push_back(T.front() + static_cast<double>(i) * (T.back() - T.front()) / static_cast<double>(NT));
+    const double L0 = std::log10(R.empty() ? 1.0 : R.front());
+    const double dL = NR == 0 ? 0.0 : (std::log10(R.back()) - L0) / static_cast<double>(NR);
+    for (std::size_t j = 0; j < NR; ++j)
+        map.logRates.push_back(L0 + static_cast<double>(j) * dL);
+    const std::size_t entries = NT * NR * NS;
+    // Every entry is written below; zeroing 150 MB first would cost a pass.
+    map.stress_ = std::make_unique_for_overwrite<double[]>(entries);
+    map.efficiency_ = std::make_unique_for_overwrite<double[]>(entries);
+    map.flag_ = std::make_unique_for_overwrite<signed char[]>(entries);
+    if (entries == 0)
+        return map;
+
+    // The model at the test temperatures only ([rate node][test temperature][strain]);
+    // the nodes between are linear in temperature.
+    std::vector<double> atTest(NR * T.size() * NS);
+    for (std::size_t j = 0; j < NR; ++j) {
+        const double rate = std::pow(10.0, map.logRates[j]);
+        for (std::size_t a = 0; a < T.size(); ++a)
+            for (std::size_t k = 0; k < NS; ++k)
+                atTest[(j * T.size() + a) * NS + k] = model.evaluate(map.strains[k], rate, T[a]);
+    }
+    std::vector<Bracket> brackets(NT);
+    for (std::size_t i = 0; i < NT; ++i)
+        brackets[i] = bracketOf(T, map.temperatures[i]);
+
+    const std::size_t row = NT * NS;
+    const double dLnRate = dL * std::log(10.0);
+    // ln σ of rows j and j + 1.
+    std::vector<double> lnThis(row), lnNext(row);
+    const auto fillRow = [&](std::size_t j, std::vector<double>& ln) {
+        double* stress = &map.stress_[j * row];
+        const double* test = &atTest[j * T.size() * NS];
+        for (std::size_t i = 0; i < NT; ++i) {
+            const Bracket& b = brackets[i];
+            const double* lo = test + b.lo * NS;
+            const double* hi = test + b.hi * NS;
+            for (std::size_t k = 0; k < NS; ++k)
+                stress[i * NS + k] = lo[k] + b.weight * (hi[k] - lo[k]);
+        }
+        std::copy_n(stress, row, ln.begin());
+        logInPlace(ln.data(), row);  // a stress not above 0 gives no finite m below
+    };
+    // m, kept in the efficiency array until the flags of its row are set.
+    double* m = map.efficiency_.get();
+    fillRow(0, lnThis);
+    for (std::size_t j = 0; j < NR; ++j) {
+        if (j + 1 < NR)
+            fillRow(j + 1, lnNext);
+        double* mj = m + j * row;
+        if (j + 2 < NR) {
+            for (std::size_t e = 0; e < row; ++e) {
+                const double sensitivity = (lnNext[e] - lnThis[e]) / dLnRate;
+                mj[e] = std::isfinite(sensitivity) ? sensitivity : 0.0;
+            }
+        } else if (j > 0) {
+            std::copy_n(mj - row, row, mj);
+        } else {
+            std::fill_n(mj, row, 0.0);
+        }
+        std::swap(lnThis, lnNext);
+    }
+
+    // ln(m/(m + 1)) of rows j and j + 1 for ξ.
+    std::vector<double> qThis(row), qNext(row);
+    const auto fillQ = [&](std::size_t j, std::vector<double>& q) {
+        const double* mj = m + j * row;
+        for (std::size_t e = 0; e < row; ++e)
+            q[e] = mj[e] > 0.0 ? mj[e] / (mj[e] + 1.0) : 1.0;
+        logInPlace(q.data(), row);
+    };
+    fillQ(0, qThis);
+    for (std::size_t j = 0; j < NR; ++j) {
+        signed char* flags = &map.flag_[j * row];
+        double* mj = m + j * row;
+        if (j + 3 < NR) {
+            fillQ(j + 1, qNext);
+            const double* mNext = mj + row;
+            for (std::size_t e = 0; e < row; ++e) {
+                if (!(mj[e] > 0.0) || !(mNext[e] > 0.0)) {
+                    flags[e] = kNoSensitivity;
+                    continue;
+                }
+                const double xi = (qNext[e] - qThis[e]) / dLnRate + mj[e];
+                flags[e] = xi <= 0.0 ? kUnstable : kStable;
+            }
+            std::swap(qThis, qNext);
+        } else if (j > 0) {
+            std::copy_n(flags - row, row, flags);
+        } else {
+            std::fill_n(flags, row, kNoSensitivity);
+        }
+        // Row j's m is used no more: it becomes η = 2m/(m + 1) in percent.
+        for (std::size_t e = 0; e < row; ++e) {
+            const double eta = 200.0 * mj[e] / (mj[e] + 1.0);
+            mj[e] = std::isfinite(eta) ? eta : 0.0;
+        }
+    }
+    return map;
+}
+
+TextWriter processingMapData(const ProcessingMap& map, std::size_t k)
+{
+    TextWriter out(TextEncoding::EightBit);
+    out.put(std::string_view("# Temperature, Strain rate, power, instability\n"));
+    std::string line;
+    for (std::size_t i = 0; i < map.temperatureNodes(); ++i) {
+        for (std::size_t j = 0; j < map.rateNodes(); ++j) {
+            line.clear();
+            appendFixed10(line, map.temperatures[i]);
+            line += ' ';
+            appendFixed10(line, map.logRates[j]);
+            line += ' ';
+            appendFixed10(line, map.efficiency(j, i, k));
+            line += ' ';
+            appendFixed10(line, static_cast<double>(map.flag(j, i, k)));
+            line += '\n';
+            out.put(std::string_view(line));
+        }
+        out.put(std::string_view("\n"));
+    }
+    return out;
+}
+
+TextWriter processingMapScript(const PLASTIC_HOT& dataSet, double contourStep, const std::string& dataPath)
+{
+    const auto finite = [](double v) { return std::isfinite(v) ? v : 0.0; };
+    const double t0 = dataSet.temperatures.empty() ? 0.0 : dataSet.temperatures.front();
+    const double t1 = dataSet.temperatures.empty() ? 0.0 : dataSet.temperatures.back();
+    const double l0 = dataSet.strainRates.empty() ? 0.0 : finite(std::log10(dataSet.strainRates.front()));
+    const double l1 = dataSet.strainRates.empty() ? 0.0 : finite(std::log10(dataSet.strainRates.back()));
+    const std::string file = gnuplotQuoted(dataPath);
+    TextWriter out(TextEncoding::EightBit);
+    out.put(std::string_view("reset\n"
+                             "set multiplot layout 1, 2 title \"Processing map\" font \",20\" offset 0, -2\n"
+                             "unset key\n"
+                             "\n"
+                             "set title \"Power dissipation map\" font \",16\"\n"
+                             "set xlabel \"Temperature\" font \",14\"\n"
+                             "set ylabel \"log (strain rate)\" font \",14\" offset -2\n"
+                             "set pm3d map\n"
+                             "unset surface\n"
+                             "set size square\n"
+                             "set contour base\n"
+                             "set cntrlabel start 10 interval 500 font \",11\"\n"));
+    out.format("set cntrparam levels incremental  0, %g, 100\n", finite(contourStep));
+    out.put(std::string_view("set xtics autofreq 50\n"
+                             "set xtics offset 0\n"
+                             "set ytics autofreq 1\n"
+                             "set ytics offset 0\n"));
+    out.format("splot [%g:%g][%g:%g][0:100]", t0, t1, l0, l1);
+    out.put(std::string_view(file + " using 1:2:3 with lines palette, \\\n"));
+    out.put(std::string_view("              " + file + " using 1:2:3 with labels \n"));
+    out.put(std::string_view("\n"
+                             "set title \"Instability map\" font \",16\"\n"
+                             "set pm3d map\n"
+                             "set surface\n"
+                             "set size square\n"
+                             "set contour base\n"
+                             "set cntrlabel start 10 interval 500 font \",11\"\n"
+                             "set cbrange [: 0 ] noreverse writeback\n"));
+    out.format("splot [%g:%g][%g:%g][:0]", t0, t1, l0, l1);
+    out.put(std::string_view(file + " using 1:2:4\n"
+                                    "unset multiplot\n"));
+    return out;
+}
+
+std::optional<ProcessingMapFiles> writeProcessingMapFiles(const PLASTIC_HOT& model, std::size_t strainIndex,
+                                                          double contourStep, std::string& error)
+{
+    if (model.strains.empty()) {
+        error = "no sample strains";
+        return std::nullopt;
+    }
+    const std::optional<ProcessingMap> map = computeProcessingMap(model, strainIndex, error);
+    if (!map || !ensureExchangeFolder(error))
+        return std::nullopt;
+    ProcessingMapFiles files{exchangeFolder() / "processing_map.dat", exchangeFolder() / "processing_map.txt"};
+    if (!saveFileAtomically(files.data, processingMapData(*map, 0).bytes(), error)
+        || !saveFileAtomically(files.script, processingMapScript(model, contourStep, files.data.string()).bytes(),
+                               error))
+        return std::nullopt;
+    return files;
+}
+
+}  // namespace zelko

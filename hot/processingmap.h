@@ -1,0 +1,78 @@
+#pragma once
+// The processing map: strain-rate sensitivity m, power-dissipation efficiency η
+// and the instability flag on a fine temperature × log strain-rate grid, from a
+// hot model; its data file and gnuplot script in the exchange folder.
+
+#include <cstddef>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "hot/plastic_hot.h"
+
+namespace zelko {
+
+inline constexpr int kMapNodesPerInterval = 50;
+// Stress, efficiency and flag take 17 bytes a grid entry; beyond this many
+// entries a map is refused (30 temperatures, 9 rates and 15 strains make 8.7 million).
+inline constexpr std::size_t kMaxProcessingMapEntries = 12'000'000;
+
+enum MapFlag : signed char { kStable = 1, kNoSensitivity = -1, kUnstable = -2 };
+
+class ProcessingMap {
+public:
+    std::vector<double> temperatures;  // T_i, i < NT
+    std::vector<double> logRates;      // L_j = log10 of the rate, j < NR
+    std::vector<double> strains;       // the sample strains computed
+
+    std::size_t temperatureNodes() const { return temperatures.size(); }
+    std::size_t rateNodes() const { return logRates.size(); }
+    // [rate node][temperature node][strain]
+    double stress(std::size_t j, std::size_t i, std::size_t k) const { return stress_[index(j, i, k)]; }
+    double efficiency(std::size_t j, std::size_t i, std::size_t k) const { return efficiency_[index(j, i, k)]; }
+    MapFlag flag(std::size_t j, std::size_t i, std::size_t k) const
+    {
+        return static_cast<MapFlag>(flag_[index(j, i, k)]);
+    }
+
+private:
+    friend std::optional<ProcessingMap> computeProcessingMap(const PLASTIC_HOT&, std::optional<std::size_t>,
+                                                             std::string&);
+    std::size_t index(std::size_t j, std::size_t i, std::size_t k) const
+    {
+        return (j * temperatures.size() + i) * strains.size() + k;
+    }
+    std::unique_ptr<double[]> stress_;
+    std::unique_ptr<double[]> efficiency_;
+    std::unique_ptr<signed char[]> flag_;
+};
+
+// The map at every sample strain, or at the one given. The stress of a node is
+// the model's at the node's rate for the two test temperatures around it,
+// linear in temperature between them. Where a stress is not above 0, m is 0.
+// Nothing, with a reason, for rates not above 0 or a grid too large.
+std::optional<ProcessingMap> computeProcessingMap(const PLASTIC_HOT& model, std::optional<std::size_t> onlyStrain,
+                                                  std::string& error);
+
+// printf's "%10.4f", appended; the data file has half a million lines of it.
+void appendFixed10(std::string& line, double value);
+
+// "processing_map.dat" for the map's strain k: header, "%10.4f %10.4f %10.4f %10.4f\n"
+// (T, log10 rate, η, flag) a node, an empty line after each temperature node.
+// 8-bit text, since gnuplot cannot read UTF-16.
+TextWriter processingMapData(const ProcessingMap& map, std::size_t k);
+// "processing_map.txt": draws both maps from the data file at dataPath.
+TextWriter processingMapScript(const PLASTIC_HOT& dataSet, double contourStep, const std::string& dataPath);
+
+struct ProcessingMapFiles {
+    std::filesystem::path data;
+    std::filesystem::path script;
+};
+// Both files in the exchange folder for the sample strain strainIndex; an
+// empty strain list writes nothing. Nothing, with a reason, on failure.
+std::optional<ProcessingMapFiles> writeProcessingMapFiles(const PLASTIC_HOT& model, std::size_t strainIndex,
+                                                          double contourStep, std::string& error);
+
+}  // namespace zelko

@@ -1,0 +1,260 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <random>
+
+#include "hot/gnuplot.h"
+#include "hot/processingmap.h"
+#include "project/fileio.h"
+#include "exchangefoldertest.h"
+#include "testutil.h"
+
+namespace zelko {
+namespace {
+
+// m from differences of ln σ on a uniform grid: exact for a power law up to rounding.
+constexpr double kSensitivityTolerance = 1e-9;
+
+// A model with a law written out, so the map's m and ξ are known in closed form.
+class LawModel : public PLASTIC_HOT {
+public:
+    explicit LawModel(std::function<double(double, double, double)> law) : law_(std::move(law))
+    {
+        temperatures = {1000, 1100};
+        strainRates = {0.01, 1};
+        strains = {0.2, 0.4};
+    }
+    double evaluate(double strain, double rate, double T) const override { return law_(strain, rate, T); }
+
+private:
+    std::function<double(double, double, double)> law_;
+};
+
+ProcessingMap mapOf(const PLASTIC_HOT& model)
+{
+    std::string error;
+    auto map = computeProcessingMap(model, std::nullopt, error);
+    EXPECT_TRUE(map) << error;
+    return std::move(*map);
+}
+
+TEST(ProcessingMapGrid, FiftyNodesAnIntervalWithoutTheLastTestValues)
+{
+    LawModel model([](double, double rate, double) { return 100 * std::pow(rate, 0.2); });
+    model.strainRates = {0.1, 1};
+    const ProcessingMap map = mapOf(model);
+    ASSERT_EQ(map.temperatureNodes(), 50u);
+    ASSERT_EQ(map.rateNodes(), 50u);
+    EXPECT_EQ(map.temperatures.front(), 1000.0);
+    EXPECT_NEAR(map.temperatures.back(), 1000.0 + 49.0 / 50.0 * 100.0, 1e-12);
+    EXPECT_EQ(map.logRates.front(), -1.0);
+    EXPECT_NEAR(map.logRates.back(), -1.0 + 49.0 / 50.0, 1e-12);
+
+    model.temperatures = {1000, 1050, 1100};
+    model.strainRates = {0.001, 0.01, 0.1, 1};
+    const ProcessingMap larger = mapOf(model);
+    EXPECT_EQ(larger.temperatureNodes(), 100u);
+    EXPECT_EQ(larger.rateNodes(), 150u);
+    EXPECT_NEAR(larger.logRates[50], -2.0, 1e-12);
+
+    // One temperature: no temperature node, a file with its header alone.
+    model.temperatures = {1000};
+    const ProcessingMap none = mapOf(model);
+    EXPECT_EQ(none.temperatureNodes(), 0u);
+    EXPECT_EQ(test::textOf(processingMapData(none, 0)), "# Temperature, Strain rate, power, instability\n");
+}
+
+TEST(ProcessingMapValues, PowerLawGivesItsExponentEverywhere)
+{
+    const LawModel model([](double e, double rate, double T) { return (2000 - T) * (1 + e) * std::pow(rate, 0.25); });
+    const ProcessingMap map = mapOf(model);
+    const double eta = 200 * 0.25 / 1.25;
+    for (std::size_t j = 0; j < map.rateNodes(); j += 7)
+        for (std::size_t i = 0; i < map.temperatureNodes(); i += 11)
+            for (std::size_t k = 0; k < 2; ++k) {
+                EXPECT_NEAR(map.efficiency(j, i, k), eta, eta * kSensitivityTolerance);
+                EXPECT_EQ(map.flag(j, i, k), kStable);  // ξ = m > 0
+            }
+}
+
+TEST(ProcessingMapValues, StressIsLinearInTemperatureBetweenTestTemperatures)
+{
+    const auto law = [](double, double rate, double T) { return std::exp(-T / 100) * 1e6 * std::pow(rate, 0.1); };
+    const LawModel model(law);
+    const ProcessingMap map = mapOf(model);
+    const std::size_t i = 25;  // 1050 C, halfway
+    const double rate = std::pow(10.0, map.logRates[3]);
+    EXPECT_NEAR(map.stress(3, i, 0), (law(0, rate, 1000) + law(0, rate, 1100)) / 2, 1e-9);
+    EXPECT_GT(map.stress(3, i, 0), law(0, rate, 1050));  // the chord lies above the convex law
+}
+
+TEST(ProcessingMapValues, FlagsForFallingStressAndForUnstableFlow)
+{
+    // Stress falling with rate: m < 0, flagged -1.
+    const ProcessingMap falling = mapOf(LawModel([](double, double rate, double) { return 100 * std::pow(rate, -0.1); }));
+    EXPECT_EQ(falling.flag(10, 10, 0), kNoSensitivity);
+    EXPECT_LT(falling.efficiency(10, 10, 0), 0.0);
+
+    // ln σ = b·x − c·x² in x = ln ε̇: m = b − 2c·x, and ξ = −2c / (m (m + 1)) + m.
+    const double b = 0.05, c = 0.05;
+    const ProcessingMap curved = mapOf(LawModel([=](double, double rate, double) {
+        const double x = std::log(rate);
+        return 100 * std::exp(b * x - c * x * x);
+    }));
+    const auto xi = [=](double x) {
+        const double m = b - 2 * c * x;
+        return -2 * c / (m * (m + 1)) + m;
+    };
+    const std::size_t last = curved.rateNodes() - 1;
+    // At 1/s ξ is far below 0; at 0.01/s far above.
+    ASSERT_LT(xi(std::log(10.0) * curved.logRates[last - 3]), -0.5);
+    ASSERT_GT(xi(std::log(10.0) * curved.logRates[0]), 0.3);
+    EXPECT_EQ(curved.flag(last - 3, 0, 0), kUnstable);
+    EXPECT_EQ(curved.flag(0, 0, 0), kStable);
+    // Everywhere the sign of ξ is clear, the flag has it.
+    int checked = 0;
+    for (std::size_t j = 0; j + 3 < curved.rateNodes(); ++j) {
+        const double value = xi(std::log(10.0) * curved.logRates[j + 1]);
+        if (std::fabs(value) < 0.02)
+            continue;
+        EXPECT_EQ(curved.flag(j, 7, 0), value < 0 ? kUnstable : kStable) << j << " " << value;
+        ++checked;
+    }
+    EXPECT_GT(checked, 40);
+    // The last two rate nodes copy m, the last three the flag, from the node before.
+    EXPECT_EQ(curved.efficiency(last, 5, 1), curved.efficiency(last - 2, 5, 1));
+    EXPECT_NE(curved.efficiency(last - 2, 5, 1), curved.efficiency(last - 3, 5, 1));
+    EXPECT_EQ(curved.flag(last, 5, 1), curved.flag(last - 3, 5, 1));
+}
+
+TEST(ProcessingMapValues, NoStressNoSensitivityAndLimits)
+{
+    const ProcessingMap map = mapOf(LawModel([](double e, double rate, double) { return e > 0.3 ? 0.0 * rate : NAN; }));
+    EXPECT_EQ(map.efficiency(4, 4, 0), 0.0);
+    EXPECT_EQ(map.flag(4, 4, 1), kNoSensitivity);
+    const std::string text = test::textOf(processingMapData(map, 0));
+    EXPECT_EQ(text.find("nan"), std::string::npos);
+
+    std::string error;
+    LawModel bad([](double, double, double) { return 1.0; });
+    bad.strainRates = {0.0, 1.0};
+    EXPECT_FALSE(computeProcessingMap(bad, std::nullopt, error));
+    EXPECT_NE(error.find("above 0"), std::string::npos);
+    LawModel large([](double, double, double) { return 1.0; });
+    large.temperatures.assign(30, 0);
+    large.strainRates.assign(150, 1);
+    for (std::size_t i = 0; i < 30; ++i)
+        large.temperatures[i] = 900 + 10.0 * i;
+    for (std::size_t r = 0; r < 150; ++r)
+        large.strainRates[r] = 0.001 * (r + 1);
+    large.strains.assign(15, 0.1);
+    EXPECT_FALSE(computeProcessingMap(large, std::nullopt, error));  // 1450 x 7450 x 15 entries
+    EXPECT_TRUE(computeProcessingMap(large, 3, error));              // one strain is within bounds
+}
+
+TEST(ProcessingMapFiles, PrintfWidthsAndBlocks)
+{
+    std::mt19937_64 generator(70);
+    std::uniform_real_distribution<double> unit(-1.0, 1.0);
+    std::vector<double> values = {0.0, -0.0, 0.03125, -0.03125, 0.00005, 1.00005, -0.00004, 0.99995, 1e11, -123.45675,
+                                  5e-5, 2.5e-5, 1.5e-4, 99999.99995};
+    for (int i = 0; i < 200000; ++i)
+        values.push_back(unit(generator) * std::pow(10.0, 6 * unit(generator)));
+    for (int k = 0; k < 20000; ++k)  // exact and near ties at the fourth decimal
+        values.push_back((k + 0.5) / 10000.0 + (k % 3 - 1) * 1e-17);
+    for (const double v : values) {
+        std::string line;
+        appendFixed10(line, v);
+        ASSERT_EQ(line, formatText("%10.4f", v)) << v;
+    }
+
+    const LawModel model([](double, double rate, double) { return 100 * std::pow(rate, 0.25); });
+    std::string error;
+    const auto map = computeProcessingMap(model, 1, error);
+    const TextWriter data = processingMapData(*map, 0);
+    const auto lines = split(std::string_view(test::textOf(data)), "\n");
+    ASSERT_EQ(lines.size(), 1u + 50u * 50u);  // empty lines are not pieces
+    EXPECT_EQ(lines[1], " 1000.0000    -2.0000    40.0000     1.0000");
+    EXPECT_EQ(lines[50], " 1000.0000    -0.0400    40.0000     1.0000");
+    EXPECT_EQ(lines[51], " 1002.0000    -2.0000    40.0000     1.0000");
+    // 8-bit text with CRLF and an empty line after each temperature node.
+    const std::string bytes = data.bytes();
+    EXPECT_EQ(bytes.substr(0, 2), "# ");
+    EXPECT_NE(bytes.find("40.0000     1.0000\r\n\r\n 1002.0000"), std::string::npos);
+}
+
+TEST(ProcessingMapFiles, ScriptLines)
+{
+    PLASTIC_HOT dataSet;
+    dataSet.temperatures = {1050, 1250};
+    dataSet.strainRates = {0.001, 5};
+    EXPECT_EQ(test::textOf(processingMapScript(dataSet, 2.5, "/tmp/Z'S/processing_map.dat")),
+              "reset\n"
+              "set multiplot layout 1, 2 title \"Processing map\" font \",20\" offset 0, -2\n"
+              "unset key\n"
+              "\n"
+              "set title \"Power dissipation map\" font \",16\"\n"
+              "set xlabel \"Temperature\" font \",14\"\n"
+              "set ylabel \"log (strain rate)\" font \",14\" offset -2\n"
+              "set pm3d map\n"
+              "unset surface\n"
+              "set size square\n"
+              "set contour base\n"
+              "set cntrlabel start 10 interval 500 font \",11\"\n"
+              "set cntrparam levels incremental  0, 2.5, 100\n"
+              "set xtics autofreq 50\n"
+              "set xtics offset 0\n"
+              "set ytics autofreq 1\n"
+              "set ytics offset 0\n"
+              "splot [1050:1250][-3:0.69897][0:100]'/tmp/Z''S/processing_map.dat' using 1:2:3 with lines palette, \\\n"
+              "              '/tmp/Z''S/processing_map.dat' using 1:2:3 with labels \n"
+              "\n"
+              "set title \"Instability map\" font \",16\"\n"
+              "set pm3d map\n"
+              "set surface\n"
+              "set size square\n"
+              "set contour base\n"
+              "set cntrlabel start 10 interval 500 font \",11\"\n"
+              "set cbrange [: 0 ] noreverse writeback\n"
+              "splot [1050:1250][-3:0.69897][:0]'/tmp/Z''S/processing_map.dat' using 1:2:4\n"
+              "unset multiplot\n");
+}
+
+using MapFolderTest = test::ExchangeFolderTest;
+
+TEST_F(MapFolderTest, WritesBothFilesAndGnuplotDrawsThem)
+{
+    LawModel model([](double e, double rate, double T) {
+        const double x = std::log(rate);
+        return (2000 - T) * (1 + e) * std::exp(0.05 * x - 0.02 * x * x);
+    });
+    std::string error;
+    const auto files = writeProcessingMapFiles(model, 1, 5.0, error);
+    ASSERT_TRUE(files) << error;
+    EXPECT_EQ(files->data, folder_ / "processing_map.dat");
+    const std::string script = *readFileBytes(files->script, error);
+    EXPECT_NE(script.find("'" + files->data.string() + "' using 1:2:4\r\n"), std::string::npos);
+
+    const std::filesystem::path png = folder_ / "map.png";
+    ASSERT_TRUE(renderGnuplotPng(files->script, png, 800, 400, error)) << error;
+    EXPECT_EQ(readFileBytes(png, error)->substr(0, 8), "\x89PNG\r\n\x1a\n");
+
+    // A script gnuplot rejects: its complaint, and no picture.
+    ASSERT_TRUE(saveFileAtomically(folder_ / "bad.txt", "plot sin(x) with nothing\n", error));
+    EXPECT_FALSE(renderGnuplotPng(folder_ / "bad.txt", folder_ / "bad.png", 100, 100, error));
+    EXPECT_NE(error.find("gnuplot failed"), std::string::npos) << error;
+    EXPECT_FALSE(std::filesystem::exists(folder_ / "bad.png"));
+
+    setenv("ZELKO_GNUPLOT", (folder_ / "no-such-gnuplot").c_str(), 1);
+    EXPECT_FALSE(renderGnuplotPng(files->script, folder_ / "none.png", 100, 100, error));
+    EXPECT_NE(error.find("gnuplot not found"), std::string::npos) << error;
+
+    PLASTIC_HOT noStrains;
+    EXPECT_FALSE(writeProcessingMapFiles(noStrains, 0, 5.0, error));
+}
+
+}  // namespace
+}  // namespace zelko
