@@ -32,7 +32,7 @@ const std::string* ParsedArguments::option(std::string_view name) const
 }
 
 std::optional<ParsedArguments> parseArguments(
-    const std::vector<std::string>& args, const ArgumentSpec& spec, std::string& error)
+    const std::vector<std::string>& args, const ArgumentSpec& accepted, std::string& error)
 {
     ParsedArguments parsed;
     const auto endOfOptions = std::find(args.begin(), args.end(), "--");
@@ -57,7 +57,7 @@ std::optional<ParsedArguments> parseArguments(
             name = arg.substr(0, equals);
             inlineValue = arg.substr(equals + 1);
         }
-        if (contains(spec.flagOptions, name) && !inlineValue) {
+        if (contains(accepted.flagOptions, name) && !inlineValue) {
             if (parsed.flag(name)) {
                 error = "option '" + name + "' given twice";
                 return std::nullopt;
@@ -65,7 +65,7 @@ std::optional<ParsedArguments> parseArguments(
             parsed.flags.push_back(name);
             continue;
         }
-        if (!contains(spec.valueOptions, name)) {
+        if (!contains(accepted.valueOptions, name)) {
             error = "unknown option '" + name + "'";
             return std::nullopt;
         }
@@ -84,15 +84,15 @@ std::optional<ParsedArguments> parseArguments(
         parsed.options.emplace(name, std::move(*inlineValue));
     }
 
-    if (parsed.positionals.size() > spec.positionalNames.size()) {
-        error = "unexpected argument '" + parsed.positionals[spec.positionalNames.size()] + "'";
+    if (parsed.positionals.size() > accepted.positionalNames.size()) {
+        error = "unexpected argument '" + parsed.positionals[accepted.positionalNames.size()] + "'";
         return std::nullopt;
     }
-    if (parsed.positionals.size() < spec.requiredPositionals) {
-        error = "missing argument " + std::string(spec.positionalNames[parsed.positionals.size()]);
+    if (parsed.positionals.size() < accepted.requiredPositionals) {
+        error = "missing argument " + std::string(accepted.positionalNames[parsed.positionals.size()]);
         return std::nullopt;
     }
-    for (const std::string_view name : spec.requiredOptions) {
+    for (const std::string_view name : accepted.requiredOptions) {
         if (!parsed.options.contains(name)) {
             error = "missing option '" + std::string(name) + "'";
             return std::nullopt;

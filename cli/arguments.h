@@ -33,7 +33,7 @@ struct ParsedArguments {
 // complaint. Long options also take "--name=value"; after "--" everything is positional,
 // so a file name may begin with "-".
 std::optional<ParsedArguments> parseArguments(
-    const std::vector<std::string>& args, const ArgumentSpec& spec, std::string& error);
+    const std::vector<std::string>& args, const ArgumentSpec& accepted, std::string& error);
 
 // The option's value as a number; the whole text must be one finite number.
 [[nodiscard]] bool numberOption(const ParsedArguments& args, std::string_view name, double& value, std::string& error);
