@@ -20,6 +20,7 @@ std::string oneLine(std::string_view text)
 void printLine(std::string_view prefix, std::string_view message)
 {
     const std::string line = std::string(prefix) + oneLine(message) + "\n";
+    std::fflush(stdout);  // what was printed before stays before the message
     std::fwrite(line.data(), 1, line.size(), stderr);
     std::fflush(stderr);
 }

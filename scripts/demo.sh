@@ -15,6 +15,14 @@ echo "== Swift law fitted to the AISI 1045 tensile test (lucasguesserts/mechanic
 echo "== Voce General law on the AISI 4130 test"
 "$cli" fit-cold "$out/steel-tselikov.zmat" --curve tests/data/measured/tensile-steel-4130.csv --input load \
   --diameter 10 --gauge-length 75 --law voce --start 150 -o "$out/steel-4130.zmat"
+echo "== Hensel-Spittel and Zener-Hollomon fitted to Gleeble hot compression (Tize Mha et al. 2023, CC BY-SA 4.0)"
+"$cli" new -o "$out/hot.zmat" --title "Medium carbon steel" --elastic steel --thermal steel
+"$cli" fit-hot "$out/hot.zmat" --curves tests/data/measured/hot-compression-medium-carbon-steel.csv --type 17 \
+  -o "$out/hot-17.zmat" --export "$out/hot-17.z3dlib"
+"$cli" fit-hot "$out/hot.zmat" --curves tests/data/measured/hot-compression-medium-carbon-steel.csv --type 50 \
+  -o "$out/hot-50.zmat" | tail -n 3
+echo "== Processing map at the sixth sample strain"
+ZELKO_TEMP="$out" "$cli" processing-map "$out/hot-50.zmat" --strain-index 5 --contour-step 5 --png "$out/processing-map.png"
 echo "== The material as JSON"
 "$cli" info "$out/steel-swift.zmat" | head -40
 echo
