@@ -2,6 +2,7 @@
 // Invariant checks for the fuzz targets: a broken invariant must stop the run
 // with a message, so libFuzzer keeps the input as a crash.
 
+#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>

@@ -1,6 +1,7 @@
 // The library-file reader and the token and line readers of the property sets,
 // each on its own fresh 8-bit stream over the same bytes.
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 

@@ -50,7 +50,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         (void)library.bytes();
     }
 
-    // What we save must open again, with the same kind of model.
+    // What we save must open again, with the same kind of model. Files this long
+    // come from counts with no points behind them; reading them back checks nothing new.
+    if (out.text().size() > (std::size_t{1} << 20))
+        return 0;
     TextReader again(saved, ReadMode::SniffBom);
     Project reopened;
     FUZZ_CHECK(reopened.ReadMaterialFile(again));

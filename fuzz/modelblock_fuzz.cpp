@@ -13,10 +13,15 @@ using namespace zelko;
 
 namespace {
 
-// The frame reads a model's head line itself; a re-read starts after it.
-TextReader afterHeadLine(const std::string& bytes)
+// Blocks this long come from counts with no points behind them (read as zeros);
+// reading those back checks nothing new and made the target crawl.
+constexpr std::size_t kLongestRoundTrip = std::size_t{1} << 20;
+
+// The frame reads a model's head line itself; a re-read starts after it. The text
+// is read back as it stands (the materialfile target covers the encoding).
+TextReader afterHeadLine(const TextWriter& out)
 {
-    TextReader in(bytes, ReadMode::SniffBom);
+    TextReader in = TextReader::fromText(out.text());
     std::u16string head;
     FUZZ_CHECK(in.readNonBlankLine(head));
     return in;
@@ -30,16 +35,17 @@ void roundTripCold(std::string_view block, int major, int minor)
 
     TextWriter out;
     record.writeMaterialBlock(out, major, 6);
-    TextReader again = afterHeadLine(out.bytes());
+    if (out.text().size() > kLongestRoundTrip)
+        return;
+    TextReader again = afterHeadLine(out);
     RoomOri reread;
     reread.readMaterialBlock(again, major, 6);
     FUZZ_CHECK(reread.inputKind == record.inputKind);
     FUZZ_CHECK(reread.lengthUnit == record.lengthUnit && reread.forceUnit == record.forceUnit);
     FUZZ_CHECK(reread.startIndex == record.startIndex && reread.endIndex == record.endIndex);
     FUZZ_CHECK(reread.maxIterations == record.maxIterations);
-    for (std::size_t k = 0; k < record.curves.size(); ++k)
-        if (static_cast<int>(k) == record.inputKind)
-            FUZZ_CHECK(reread.curves[k].size() == record.curves[k].size());
+    if (record.inputKind >= 0 && record.inputKind < static_cast<int>(record.curves.size()))
+        FUZZ_CHECK(reread.inputCurve().size() == record.inputCurve().size());
 }
 
 void roundTripHot(std::string_view block, int major, int minor)
@@ -51,7 +57,9 @@ void roundTripHot(std::string_view block, int major, int minor)
 
     TextWriter out;
     hot.writeMaterialBlock(out, major, 6);
-    TextReader again = afterHeadLine(out.bytes());
+    if (out.text().size() > kLongestRoundTrip)
+        return;
+    TextReader again = afterHeadLine(out);
     PLASTIC_HOT reread;
     reread.readMaterialBlock(again, major, 6);
     FUZZ_CHECK(reread.hasIndexColumn == hot.hasIndexColumn);
