@@ -1,9 +1,9 @@
 #include "cold/plastic_8.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "project/fileio.h"
-#include "project/tablepoint.h"
 
 namespace zelko {
 
@@ -56,7 +56,7 @@ bool PLASTIC_8::readLibraryBlock(TextReader& in)
     modelNumber = number;
     blockLeadValue = lead[0];
     curveParameter = parameter;
-    identifiedCurve.assign(boundedCount(count, in.remaining()), {0.0, 0.0});
+    identifiedCurve.assign(in.claim(count), {0.0, 0.0});
     for (auto& [x, y] : identifiedCurve) {
         if (!in.scanDouble(x) || !in.scanDouble(y))
             break;
@@ -194,7 +194,7 @@ bool readTensileProgress(std::string_view bytes, PLASTIC_8& model)
         }
     int count = 0;
     if (in.scanInt(count)) {
-        for (std::size_t i = 0; i < boundedCount(count, in.remaining()); ++i) {
+        for (long long i = 0; i < count; ++i) {
             int index = 0;
             double strain = 0.0, stress = 0.0;
             if (!in.scanInt(index) || !in.scanDouble(strain) || !in.scanDouble(stress))

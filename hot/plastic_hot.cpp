@@ -1,9 +1,5 @@
 #include "hot/plastic_hot.h"
 
-#include <algorithm>
-#include <climits>
-
-#include "project/tablepoint.h"
 
 namespace zelko {
 
@@ -19,7 +15,7 @@ void writeList(TextWriter& out, const std::vector<double>& values)
 // Reads up to count values; stops at the first item that is not a number.
 void readList(TextReader& in, int count, std::vector<double>& values)
 {
-    values.assign(boundedCount(count, in.remaining()), 0.0);
+    values.assign(in.claim(count), 0.0);
     for (double& v : values)
         if (!in.scanDouble(v))
             break;
@@ -81,9 +77,9 @@ void PLASTIC_HOT::readMaterialBlock(TextReader& in, int /*major*/, int minor)
     const std::size_t cells = temperatures.size() * strainRates.size();
     if (cells == 0)
         return;
-    // A grid larger than the rest of the file could describe is damage, not data:
-    // the block is dropped whole rather than kept with lists no grid can match.
-    if (cells > boundedCount(static_cast<long long>(cells), in.remaining())) {
+    // A grid larger than the file could describe is damage, not data: the block
+    // is dropped whole rather than kept with lists no grid can match.
+    if (in.claim(static_cast<long long>(cells)) < cells) {
         strainRates.clear();
         temperatures.clear();
         strains.clear();
@@ -91,9 +87,6 @@ void PLASTIC_HOT::readMaterialBlock(TextReader& in, int /*major*/, int minor)
         return;
     }
     curves.assign(temperatures.size(), std::vector<HotCurve>(strainRates.size()));
-    // The grid shares one allowance of points: given per cell, thousands of short
-    // cells with huge counts would each claim boundedCount's floor.
-    std::size_t pointBudget = boundedCount(LLONG_MAX, in.remaining());
     std::u16string header;
     for (std::size_t r = 0; r < strainRates.size(); ++r) {
         for (std::size_t t = 0; t < temperatures.size(); ++t) {
@@ -103,8 +96,7 @@ void PLASTIC_HOT::readMaterialBlock(TextReader& in, int /*major*/, int minor)
             if (!in.scanInt(count))
                 continue;
             HotCurve& points = curves[t][r];
-            points.assign(std::min(boundedCount(count, in.remaining()), pointBudget), HotCurvePoint{});
-            pointBudget -= points.size();
+            points.assign(in.claim(count), HotCurvePoint{});
             for (HotCurvePoint& p : points)
                 if (!in.scanDouble(p.c0) || !in.scanDouble(p.strain) || !in.scanDouble(p.stress))
                     break;

@@ -1,6 +1,5 @@
 #include "models/roomori.h"
 
-#include "project/tablepoint.h"
 
 namespace zelko {
 
@@ -47,7 +46,7 @@ void RoomOri::readMaterialBlock(TextReader& in, int major, int /*minor*/)
         in.scanInt(count);
     if (inputKind >= 0 && inputKind < static_cast<int>(curves.size())) {
         Curve& points = curves[static_cast<std::size_t>(inputKind)];
-        points.assign(boundedCount(count, in.remaining()), CurvePoint{});
+        points.assign(in.claim(count), CurvePoint{});
         for (CurvePoint& p : points) {
             if (!in.scanDouble(p.x) || !in.scanDouble(p.y))
                 break;  // the rest stay 0, as the original's failed reads leave them

@@ -1,5 +1,7 @@
 #include "project/elastic.h"
 
+#include <algorithm>
+
 namespace zelko {
 
 double ELASTIC::value(int index) const
@@ -51,7 +53,7 @@ void ELASTIC::readCurrentLayout(TextReader& in)
             if (!in.readNonBlankLine(line))
                 return;
             const int count = toInt(line);
-            tables[i].reserve(boundedCount(count, in.remaining()));
+            tables[i].reserve(std::min<std::size_t>(count > 0 ? count : 0, in.remaining()));
             for (int k = 0; k < count; ++k) {
                 if (!in.readNonBlankLine(line))
                     return;

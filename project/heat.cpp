@@ -21,7 +21,7 @@ bool HEAT::readLibraryBlock(TextReader& in)
 {
     std::u16string token;
     const int count = in.readToken(token) ? toInt(token) : 0;
-    points.assign(boundedCount(count, in.remaining()), TablePoint{});
+    points.assign(in.claim(count), TablePoint{});
     for (TablePoint& p : points) {
         if (in.readToken(token))
             p.temperature = toDouble(token);

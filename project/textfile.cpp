@@ -282,12 +282,14 @@ TextReader::TextReader(std::string_view bytes, ReadMode mode)
             decoded.push_back(static_cast<char16_t>(static_cast<unsigned char>(c)));
     }
     text_ = joinCrLf(std::move(decoded));
+    allowance_ = std::max(kMinimumAllowance, text_.size() / 4);
 }
 
 TextReader TextReader::fromText(std::u16string text)
 {
     TextReader reader;
     reader.text_ = std::move(text);
+    reader.allowance_ = std::max(kMinimumAllowance, reader.text_.size() / 4);
     return reader;
 }
 
@@ -371,6 +373,15 @@ bool TextReader::scanDouble(double& value)
     if (pos_ >= text_.size())
         eof_ = true;
     return true;
+}
+
+std::size_t TextReader::claim(long long count)
+{
+    if (count <= 0)
+        return 0;
+    const std::size_t granted = std::min<unsigned long long>(static_cast<unsigned long long>(count), allowance_);
+    allowance_ -= granted;
+    return granted;
 }
 
 void TextReader::skipLine()

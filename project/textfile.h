@@ -79,12 +79,19 @@ public:
     bool scanDouble(double& value);
     // Skips to the character after the next "\n" (or to the end).
     void skipLine();
+    // How many items a count read from the file may allocate. The whole file
+    // shares one allowance (a quarter of its characters, at least 4,096), so no
+    // count, repeated section or grid of cells can make a reader allocate more
+    // than the file's size could justify; an honest file never reaches it.
+    std::size_t claim(long long count);
 
 private:
     void skipWhiteSpace();
     std::u16string text_;
     std::size_t pos_ = 0;
     bool eof_ = false;
+    std::size_t allowance_ = kMinimumAllowance;
+    static constexpr std::size_t kMinimumAllowance = 4096;
 };
 
 // The C library's lenient conversions: leading white space skipped, conversion

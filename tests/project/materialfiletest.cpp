@@ -238,14 +238,24 @@ TEST(MaterialFile, HostileCountsNeitherAllocateNorHang)
         "** HEAT\n 2147483647\n 1 2\n");
     ASSERT_TRUE(project.ReadMaterialFile(in));
     EXPECT_EQ(project.elastic->tables[YoungsModulus], (PropertyTable{{20, 1}, {30, 2}}));
-    EXPECT_LE(project.conductivity->points.size(), 65536u);
-    EXPECT_EQ(project.conductivity->points[0], (TablePoint{1, 2}));
+    // The record's huge count took the whole allowance, so the table gets none.
+    EXPECT_TRUE(project.conductivity->points.empty());
     EXPECT_TRUE(project.heatCapacity->points.empty());
     const auto* hot = dynamic_cast<PLASTIC_HOT*>(project.activeModel.get());
     ASSERT_NE(hot, nullptr);
     EXPECT_TRUE(hot->strainRates.empty());  // a grid the file can't hold drops the block
     EXPECT_TRUE(hot->curves.empty());
     materialBytes(project);            // and what was read can be written
+
+    // Every section claims from one allowance for the whole file: repeating a
+    // section with a huge count cannot multiply what the reader allocates.
+    std::string repeated = "** VER. 21 6\n*Title\nT\n";
+    for (int i = 0; i < 2000; ++i)
+        repeated += "** HEAT\n 999999999 999999999\n** PLASTIC\n 0 1\n 0 0 0 0\n 1 1\n 0 999999999\n";
+    Project repeatedProject;
+    TextReader repeatedIn = utf16Reader(repeated);
+    ASSERT_TRUE(repeatedProject.ReadMaterialFile(repeatedIn));
+    EXPECT_LT(materialBytes(repeatedProject).size(), 20u * repeated.size());
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
 }
 
