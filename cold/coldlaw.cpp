@@ -150,22 +150,17 @@ std::vector<double> ColdLaw::sumOfSquaresGradient(const std::vector<double>& p) 
     return g;
 }
 
-void ColdLaw::fitPlain()
-{
-    const FitPoints points = fittedPoints();
-    parameters.resize(parameterCount());
-    if (automaticStart && !points.strain.empty())
-        estimateStart(points, parameters.data());
-    descend(points, Residuals::Plain, false);
-}
+void ColdLaw::fitPlain() { startAndDescend(false); }
 
-void ColdLaw::fitNeckingConstrained()
+void ColdLaw::fitNeckingConstrained() { startAndDescend(true); }
+
+void ColdLaw::startAndDescend(bool neckingPenalty)
 {
     const FitPoints points = fittedPoints();
     parameters.resize(parameterCount());
     if (automaticStart && !points.strain.empty())
         estimateStart(points, parameters.data());
-    descend(points, Residuals::Plain, true);
+    descend(points, Residuals::Plain, neckingPenalty);
 }
 
 void ColdLaw::fitWeighted()

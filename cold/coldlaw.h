@@ -103,6 +103,8 @@ protected:
     double errorOf(const FitPoints& points, const FitWork& work, Residuals mode, std::size_t n) const;
 
 private:
+    // The law's start (when automatic), then the descent.
+    void startAndDescend(bool neckingPenalty);
     void descend(const FitPoints& points, Residuals mode, bool neckingPenalty);
 };
 
