@@ -154,8 +154,7 @@ int runFitCold(const ParsedArguments& args)
     const ColdFitResult result = fitColdLaw(*record, law);
     if (!result.law)
         return fail(fileMessage(curvePath, result.message));
-    project.activeModel = record;
-    project.libraryModel = record->heldModel;
+    project.libraryModel = record->heldModel;  // the record is the active model already
     if (const int status = printResult(result.text + "\n"); status != 0)
         return status;
     return saveResults(args, project);
@@ -190,9 +189,8 @@ int runTensileJob(const ParsedArguments& args)
     if (!jobRecord(args, project, record, error))
         return fail(error);
     const std::string& job = *args.option("--job");
-    if (!writeTensileJob(*record, job, TensileJobSettings{}, error))
-        return fail(fileMessage(job, error));
-    if (args.flag("--run") && !startTensileSolver(job, error))
+    if (!writeTensileJob(*record, job, TensileJobSettings{}, error)
+        || (args.flag("--run") && !startTensileSolver(job, error)))
         return fail(fileMessage(job, error));
     return 0;
 }
@@ -206,11 +204,9 @@ int runTensileResult(const ParsedArguments& args)
         return fail(error);
     const std::string& job = *args.option("--job");
     auto model = std::make_shared<PLASTIC_8>(*record);
-    const TensileResultStatus status = readTensileResult(job, *model);
-    if (status != TensileResultStatus::Read)
+    if (const TensileResultStatus status = readTensileResult(job, *model); status != TensileResultStatus::Read)
         return fail(fileMessage(job, tensileResultMessage(status)));
     record->heldModel = model;
-    project.activeModel = record;
     project.libraryModel = model;
     return saveResults(args, project);
 }
