@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "hot/hotcsv.h"
-#include "project/fileio.h"
+#include "base/fileio.h"
 
 namespace zelko::bench {
 

@@ -3,7 +3,7 @@
 #include <benchmark/benchmark.h>
 
 #include "hot/plastic_hot.h"
-#include "project/project.h"
+#include "material/project.h"
 
 namespace {
 

@@ -13,7 +13,7 @@
 #include "cold/curvefile.h"
 #include "cold/plastic_8.h"
 #include "cold/tensilereduction.h"
-#include "project/libraryexport.h"
+#include "material/libraryexport.h"
 
 namespace zelko::cli {
 

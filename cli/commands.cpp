@@ -6,11 +6,11 @@
 #include "cli/materialio.h"
 #include "cli/materialjson.h"
 #include "cli/messages.h"
-#include "hot/tselikov.h"
-#include "project/elasticscreen.h"
-#include "project/libraryexport.h"
-#include "project/physprops.h"
-#include "project/thermaltables.h"
+#include "material/tselikov.h"
+#include "material/elasticscreen.h"
+#include "material/libraryexport.h"
+#include "material/physprops.h"
+#include "material/thermaltables.h"
 
 namespace zelko::cli {
 

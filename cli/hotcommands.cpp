@@ -11,7 +11,7 @@
 #include "hot/hotcsv.h"
 #include "hot/hotmodels.h"
 #include "hot/processingmap.h"
-#include "project/libraryexport.h"
+#include "material/libraryexport.h"
 
 namespace zelko::cli {
 

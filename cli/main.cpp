@@ -7,7 +7,7 @@
 
 #include "cli/commands.h"
 #include "cli/messages.h"
-#include "project/textfile.h"
+#include "base/textfile.h"
 
 namespace {
 

@@ -6,8 +6,8 @@
 #include <optional>
 #include <string>
 
-#include "project/fileio.h"
-#include "project/project.h"
+#include "base/fileio.h"
+#include "material/project.h"
 
 namespace zelko::cli {
 

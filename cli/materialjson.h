@@ -12,7 +12,7 @@
 
 #include <json/json.h>
 
-#include "project/project.h"
+#include "material/project.h"
 
 namespace zelko::cli {
 

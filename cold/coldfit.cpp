@@ -5,8 +5,8 @@
 #include "cold/coldlaws.h"
 #include "cold/leastsquares.h"
 #include "cold/tensilereduction.h"
-#include "project/exchangefolder.h"
-#include "project/fileio.h"
+#include "base/exchangefolder.h"
+#include "base/fileio.h"
 
 namespace zelko {
 

@@ -3,7 +3,7 @@
 #include <charconv>
 #include <cmath>
 
-#include "project/textfile.h"
+#include "base/textfile.h"
 
 namespace zelko {
 

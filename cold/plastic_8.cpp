@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "project/fileio.h"
+#include "base/fileio.h"
 
 namespace zelko {
 

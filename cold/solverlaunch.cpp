@@ -3,7 +3,7 @@
 #include <string>
 
 #include "cold/plastic_8.h"
-#include "project/libraryexport.h"
+#include "base/environment.h"
 
 #ifdef _WIN32
 #include <cstdlib>

@@ -6,7 +6,7 @@
 #include <cstdint>
 
 #include "fuzz/fuzzcheck.h"
-#include "project/project.h"
+#include "material/project.h"
 
 using namespace zelko;
 

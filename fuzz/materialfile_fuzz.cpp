@@ -5,8 +5,8 @@
 
 #include "fuzz/fuzzcheck.h"
 #include "hot/plastic_hot.h"
-#include "project/libraryexport.h"
-#include "project/project.h"
+#include "material/libraryexport.h"
+#include "material/project.h"
 
 using namespace zelko;
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 
 #include "fuzz/fuzzcheck.h"
-#include "project/physprops.h"
+#include "material/physprops.h"
 
 using namespace zelko;
 

@@ -3,9 +3,9 @@
 #include <cstdlib>
 #include <system_error>
 
-#include "project/exchangefolder.h"
-#include "project/fileio.h"
-#include "project/textfile.h"
+#include "base/exchangefolder.h"
+#include "base/fileio.h"
+#include "base/textfile.h"
 
 #ifndef _WIN32
 #include <sys/wait.h>

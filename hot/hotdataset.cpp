@@ -4,9 +4,9 @@
 #include <cmath>
 #include <optional>
 
-#include "project/exchangefolder.h"
-#include "project/fileio.h"
-#include "project/textfile.h"
+#include "base/exchangefolder.h"
+#include "base/fileio.h"
+#include "base/textfile.h"
 
 namespace zelko {
 

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cmath>
 
-#include "hot/descent.h"
+#include "numerics/descent.h"
 #include "hot/stresstable.h"
-#include "hot/vectormath.h"
+#include "numerics/vectormath.h"
 
 namespace zelko {
 

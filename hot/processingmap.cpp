@@ -6,9 +6,9 @@
 
 #include "hot/gnuplot.h"
 #include "hot/stresstable.h"
-#include "hot/vectormath.h"
-#include "project/exchangefolder.h"
-#include "project/fileio.h"
+#include "numerics/vectormath.h"
+#include "base/exchangefolder.h"
+#include "base/fileio.h"
 
 namespace zelko {
 

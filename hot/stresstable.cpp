@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "project/textfile.h"
+#include "base/textfile.h"
 
 namespace zelko {
 

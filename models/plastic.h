@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "project/library.h"
+#include "base/library.h"
 
 namespace zelko {
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "project/textfile.h"
+#include "base/textfile.h"
 
 namespace zelko::test {
 

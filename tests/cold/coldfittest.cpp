@@ -6,8 +6,8 @@
 #include "cold/coldfit.h"
 #include "cold/coldlaws.h"
 #include "cold/leastsquares.h"
-#include "project/exchangefolder.h"
-#include "project/fileio.h"
+#include "base/exchangefolder.h"
+#include "base/fileio.h"
 #include "testutil.h"
 
 namespace zelko {

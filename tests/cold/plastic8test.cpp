@@ -6,7 +6,7 @@
 #include <thread>
 
 #include "cold/plastic_8.h"
-#include "project/fileio.h"
+#include "base/fileio.h"
 #include "testutil.h"
 
 namespace zelko {

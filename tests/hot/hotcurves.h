@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "hot/hotcsv.h"
-#include "project/fileio.h"
+#include "base/fileio.h"
 
 namespace zelko::test {
 

@@ -6,7 +6,7 @@
 
 #include "hot/hotdataset.h"
 #include "hot/stresstable.h"
-#include "project/fileio.h"
+#include "base/fileio.h"
 #include "exchangefoldertest.h"
 #include "testutil.h"
 

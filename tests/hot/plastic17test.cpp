@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "hot/descent.h"
+#include "numerics/descent.h"
 #include "hot/hotmodels.h"
 #include "hot/plastic_17.h"
 #include "hot/stresstable.h"

@@ -8,7 +8,7 @@
 
 #include "hot/gnuplot.h"
 #include "hot/processingmap.h"
-#include "project/fileio.h"
+#include "base/fileio.h"
 #include "exchangefoldertest.h"
 #include "testutil.h"
 

@@ -1,0 +1,23 @@
+#include "base/exchangefolder.h"
+
+#include <system_error>
+
+#include "base/environment.h"
+
+namespace zelko {
+
+std::filesystem::path exchangeFolder() { return Environment::fromProcess().exchangeFolder; }
+
+bool ensureExchangeFolder(std::string& error) { return ensureFolder(exchangeFolder(), error); }
+
+bool ensureFolder(const std::filesystem::path& folder, std::string& error)
+{
+    std::error_code ec;
+    std::filesystem::create_directories(folder, ec);
+    if (std::filesystem::is_directory(folder, ec))
+        return true;
+    error = "cannot create the folder " + folder.string();
+    return false;
+}
+
+}  // namespace zelko

@@ -1,0 +1,521 @@
+#include "base/textfile.h"
+
+#include <algorithm>
+#include <charconv>
+#include <climits>
+#include <cmath>
+#include <cstdarg>
+#include <cstdio>
+#include <optional>
+
+namespace zelko {
+
+namespace {
+
+std::string vformat(const char* fmt, va_list args)
+{
+    va_list copy;
+    va_copy(copy, args);
+    char small[512];
+    const int needed = std::vsnprintf(small, sizeof small, fmt, copy);
+    va_end(copy);
+    if (needed < 0)
+        return {};
+    if (static_cast<std::size_t>(needed) < sizeof small)
+        return std::string(small, static_cast<std::size_t>(needed));
+    std::string out(static_cast<std::size_t>(needed) + 1, '\0');
+    std::vsnprintf(out.data(), out.size(), fmt, args);
+    out.resize(static_cast<std::size_t>(needed));
+    return out;
+}
+
+bool isSpace(char16_t c)
+{
+    return c == u' ' || c == u'\t' || c == u'\n' || c == u'\r' || c == u'\v' || c == u'\f';
+}
+
+bool isDigit(char16_t c) { return c >= u'0' && c <= u'9'; }
+
+char16_t lower(char16_t c) { return (c >= u'A' && c <= u'Z') ? static_cast<char16_t>(c + 32) : c; }
+
+bool startsWithNoCase(std::u16string_view text, std::size_t at, std::string_view word)
+{
+    if (text.size() - at < word.size())
+        return false;
+    for (std::size_t i = 0; i < word.size(); ++i)
+        if (lower(text[at + i]) != static_cast<char16_t>(word[i]))
+            return false;
+    return true;
+}
+
+// Length of the number strtod would take at the start of text (no white space
+// skipped), 0 when there is none.
+std::size_t doublePrefixLength(std::u16string_view text)
+{
+    std::size_t i = 0;
+    if (i < text.size() && (text[i] == u'+' || text[i] == u'-'))
+        ++i;
+    if (startsWithNoCase(text, i, "infinity"))
+        return i + 8;
+    if (startsWithNoCase(text, i, "inf") || startsWithNoCase(text, i, "nan"))
+        return i + 3;
+    std::size_t digits = 0;
+    while (i < text.size() && isDigit(text[i])) {
+        ++i;
+        ++digits;
+    }
+    if (i < text.size() && text[i] == u'.') {
+        ++i;
+        while (i < text.size() && isDigit(text[i])) {
+            ++i;
+            ++digits;
+        }
+    }
+    if (digits == 0)
+        return 0;
+    if (i < text.size() && (text[i] == u'e' || text[i] == u'E')) {
+        std::size_t j = i + 1;
+        if (j < text.size() && (text[j] == u'+' || text[j] == u'-'))
+            ++j;
+        if (j < text.size() && isDigit(text[j])) {
+            while (j < text.size() && isDigit(text[j]))
+                ++j;
+            i = j;
+        }
+    }
+    return i;
+}
+
+double convertDouble(std::u16string_view number)
+{
+    std::string narrow;
+    narrow.reserve(number.size());
+    bool negative = false;
+    std::size_t start = 0;
+    if (!number.empty() && (number[0] == u'+' || number[0] == u'-')) {
+        negative = number[0] == u'-';
+        start = 1;
+    }
+    for (std::size_t i = start; i < number.size(); ++i)
+        narrow.push_back(static_cast<char>(number[i]));
+    double value = 0.0;
+    const auto result = std::from_chars(narrow.data(), narrow.data() + narrow.size(), value);
+    if (result.ec == std::errc::result_out_of_range) {
+        // strtod gives HUGE_VAL on overflow and 0 on underflow.
+        const auto e = narrow.find_first_of("eE");
+        const bool tiny = e != std::string::npos && e + 1 < narrow.size() && narrow[e + 1] == '-';
+        value = tiny ? 0.0 : HUGE_VAL;
+    } else if (result.ec != std::errc()) {
+        value = 0.0;
+    }
+    return negative ? -value : value;
+}
+
+std::size_t intPrefixLength(std::u16string_view text)
+{
+    std::size_t i = 0;
+    if (i < text.size() && (text[i] == u'+' || text[i] == u'-'))
+        ++i;
+    const std::size_t digitsStart = i;
+    while (i < text.size() && isDigit(text[i]))
+        ++i;
+    return i == digitsStart ? 0 : i;
+}
+
+int convertInt(std::u16string_view number)
+{
+    bool negative = false;
+    std::size_t i = 0;
+    if (!number.empty() && (number[0] == u'+' || number[0] == u'-')) {
+        negative = number[0] == u'-';
+        i = 1;
+    }
+    long long value = 0;
+    for (; i < number.size(); ++i) {
+        value = value * 10 + (number[i] - u'0');
+        if (value > static_cast<long long>(INT_MAX) + 1)
+            break;  // saturates below
+    }
+    if (negative)
+        value = -value;
+    if (value > INT_MAX)
+        return INT_MAX;
+    if (value < INT_MIN)
+        return INT_MIN;
+    return static_cast<int>(value);
+}
+
+std::size_t skipSpaces(std::u16string_view text)
+{
+    std::size_t i = 0;
+    while (i < text.size() && isSpace(text[i]))
+        ++i;
+    return i;
+}
+
+void appendUtf8(std::string& out, char32_t c)
+{
+    if (c < 0x80) {
+        out.push_back(static_cast<char>(c));
+    } else if (c < 0x800) {
+        out.push_back(static_cast<char>(0xC0 | (c >> 6)));
+        out.push_back(static_cast<char>(0x80 | (c & 0x3F)));
+    } else if (c < 0x10000) {
+        out.push_back(static_cast<char>(0xE0 | (c >> 12)));
+        out.push_back(static_cast<char>(0x80 | ((c >> 6) & 0x3F)));
+        out.push_back(static_cast<char>(0x80 | (c & 0x3F)));
+    } else {
+        out.push_back(static_cast<char>(0xF0 | (c >> 18)));
+        out.push_back(static_cast<char>(0x80 | ((c >> 12) & 0x3F)));
+        out.push_back(static_cast<char>(0x80 | ((c >> 6) & 0x3F)));
+        out.push_back(static_cast<char>(0x80 | (c & 0x3F)));
+    }
+}
+
+// Text mode: "\r\n" becomes "\n"; a lone "\r" stays.
+std::u16string joinCrLf(std::u16string text)
+{
+    std::size_t out = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == u'\r' && i + 1 < text.size() && text[i + 1] == u'\n')
+            continue;
+        text[out++] = text[i];
+    }
+    text.resize(out);
+    return text;
+}
+
+}  // namespace
+
+void TextWriter::put(std::string_view text)
+{
+    for (const char c : text)
+        text_.push_back(static_cast<char16_t>(static_cast<unsigned char>(c)));
+}
+
+void TextWriter::format(const char* fmt, ...)
+{
+    va_list args;
+    va_start(args, fmt);
+    // Lines of the layouts fit the stack buffer; only longer text takes the slow path.
+    char line[256];
+    va_list copy;
+    va_copy(copy, args);
+    const int needed = std::vsnprintf(line, sizeof line, fmt, copy);
+    va_end(copy);
+    if (needed >= 0 && static_cast<std::size_t>(needed) < sizeof line)
+        put(std::string_view(line, static_cast<std::size_t>(needed)));
+    else if (needed >= 0)
+        put(std::string_view(vformat(fmt, args)));
+    va_end(args);
+}
+
+std::string TextWriter::bytes() const
+{
+    std::string out;
+    switch (encoding_) {
+    case TextEncoding::Utf16Le:
+    {
+        const auto lineEnds = static_cast<std::size_t>(std::count(text_.begin(), text_.end(), u'\n'));
+        out.resize(2 + (text_.size() + lineEnds) * 2);
+        char* o = out.data();
+        *o++ = '\xFF';
+        *o++ = '\xFE';
+        for (const char16_t c : text_) {
+            if (c == u'\n') {
+                *o++ = '\r';
+                *o++ = '\0';
+            }
+            *o++ = static_cast<char>(c & 0xFF);
+            *o++ = static_cast<char>(c >> 8);
+        }
+        break;
+    }
+    case TextEncoding::EightBit:
+        out.reserve(text_.size() + text_.size() / 8);
+        for (const char16_t c : text_) {
+            if (c == u'\n')
+                out.push_back('\r');
+            // Characters outside the 8-bit range have no code in the file.
+            out.push_back(c <= 0xFF ? static_cast<char>(c) : '?');
+        }
+        break;
+    case TextEncoding::Utf8Bom: {
+        out.append("\xEF\xBB\xBF", 3);
+        std::u16string crlf;
+        crlf.reserve(text_.size());
+        for (const char16_t c : text_) {
+            if (c == u'\n')
+                crlf.push_back(u'\r');
+            crlf.push_back(c);
+        }
+        out += utf16ToUtf8(crlf);
+        break;
+    }
+    }
+    return out;
+}
+
+std::string formatText(const char* fmt, ...)
+{
+    va_list args;
+    va_start(args, fmt);
+    std::string out = vformat(fmt, args);
+    va_end(args);
+    return out;
+}
+
+TextReader::TextReader(std::string_view bytes, ReadMode mode)
+{
+    std::u16string decoded;
+    if (mode == ReadMode::SniffBom && bytes.size() >= 2 && static_cast<unsigned char>(bytes[0]) == 0xFF
+        && static_cast<unsigned char>(bytes[1]) == 0xFE) {
+        decoded.reserve((bytes.size() - 2) / 2);
+        for (std::size_t i = 2; i + 1 < bytes.size(); i += 2)  // an odd last byte is dropped
+            decoded.push_back(static_cast<char16_t>(static_cast<unsigned char>(bytes[i])
+                                                    | (static_cast<unsigned char>(bytes[i + 1]) << 8)));
+    } else if (mode == ReadMode::SniffBom && bytes.size() >= 3 && bytes.substr(0, 3) == "\xEF\xBB\xBF") {
+        decoded = utf8ToUtf16(bytes.substr(3));
+    } else {
+        decoded.reserve(bytes.size());
+        for (const char c : bytes)
+            decoded.push_back(static_cast<char16_t>(static_cast<unsigned char>(c)));
+    }
+    text_ = joinCrLf(std::move(decoded));
+    allowance_ = std::max(kMinimumAllowance, text_.size() / 4);
+}
+
+TextReader TextReader::fromText(std::u16string text)
+{
+    TextReader reader;
+    reader.text_ = std::move(text);
+    reader.allowance_ = std::max(kMinimumAllowance, reader.text_.size() / 4);
+    return reader;
+}
+
+bool TextReader::readLine(std::u16string& line, std::size_t maxUnits)
+{
+    line.clear();
+    if (pos_ >= text_.size()) {
+        eof_ = true;
+        return false;
+    }
+    const std::size_t start = pos_;
+    bool stopped = false;  // by a line end or a full buffer, not by the end of the text
+    while (!stopped) {
+        if (pos_ - start == maxUnits) {
+            stopped = true;
+        } else if (pos_ == text_.size()) {
+            eof_ = true;
+            break;
+        } else if (text_[pos_++] == u'\n') {
+            stopped = true;
+        }
+    }
+    std::u16string_view read(text_.data() + start, pos_ - start);
+    line.assign(read.substr(0, read.find(u'\0')));
+    return true;
+}
+
+bool TextReader::readNonBlankLine(std::u16string& line)
+{
+    while (readLine(line)) {
+        if (hasToken(line))
+            return true;
+    }
+    return false;
+}
+
+void TextReader::skipWhiteSpace()
+{
+    while (pos_ < text_.size() && isSpace(text_[pos_]))
+        ++pos_;
+    if (pos_ >= text_.size())
+        eof_ = true;
+}
+
+bool TextReader::readToken(std::u16string& token, std::size_t maxUnits)
+{
+    token.clear();
+    skipWhiteSpace();
+    if (pos_ >= text_.size())
+        return false;
+    while (pos_ < text_.size() && !isSpace(text_[pos_]) && token.size() < maxUnits)
+        token.push_back(text_[pos_++]);
+    if (pos_ >= text_.size())
+        eof_ = true;
+    return true;
+}
+
+bool TextReader::scanInt(int& value)
+{
+    skipWhiteSpace();
+    const std::u16string_view rest(text_.data() + pos_, text_.size() - pos_);
+    const std::size_t length = intPrefixLength(rest);
+    if (length == 0)
+        return false;
+    value = convertInt(rest.substr(0, length));
+    pos_ += length;
+    if (pos_ >= text_.size())
+        eof_ = true;
+    return true;
+}
+
+bool TextReader::scanDouble(double& value)
+{
+    skipWhiteSpace();
+    const std::u16string_view rest(text_.data() + pos_, text_.size() - pos_);
+    const std::size_t length = doublePrefixLength(rest);
+    if (length == 0)
+        return false;
+    value = convertDouble(rest.substr(0, length));
+    pos_ += length;
+    if (pos_ >= text_.size())
+        eof_ = true;
+    return true;
+}
+
+std::size_t TextReader::claim(long long count)
+{
+    if (count <= 0)
+        return 0;
+    const std::size_t granted = std::min<unsigned long long>(static_cast<unsigned long long>(count), allowance_);
+    allowance_ -= granted;
+    return granted;
+}
+
+void TextReader::skipLine()
+{
+    while (pos_ < text_.size() && text_[pos_++] != u'\n') {
+    }
+    if (pos_ >= text_.size())
+        eof_ = true;
+}
+
+int toInt(std::u16string_view text)
+{
+    text.remove_prefix(skipSpaces(text));
+    return convertInt(text.substr(0, intPrefixLength(text)));
+}
+
+double toDouble(std::u16string_view text)
+{
+    text.remove_prefix(skipSpaces(text));
+    return convertDouble(text.substr(0, doublePrefixLength(text)));
+}
+
+int toInt(std::string_view text) { return toInt(widen(text)); }
+
+double toDouble(std::string_view text) { return toDouble(widen(text)); }
+
+std::vector<std::u16string> split(std::u16string_view text, std::u16string_view delimiters)
+{
+    std::vector<std::u16string> pieces;
+    std::size_t start = 0;
+    for (std::size_t i = 0; i <= text.size(); ++i) {
+        if (i == text.size() || delimiters.find(text[i]) != std::u16string_view::npos) {
+            if (i > start)
+                pieces.emplace_back(text.substr(start, i - start));
+            start = i + 1;
+        }
+    }
+    return pieces;
+}
+
+std::vector<std::string> split(std::string_view text, std::string_view delimiters)
+{
+    std::vector<std::string> pieces;
+    std::size_t start = 0;
+    for (std::size_t i = 0; i <= text.size(); ++i) {
+        if (i == text.size() || delimiters.find(text[i]) != std::string_view::npos) {
+            if (i > start)
+                pieces.emplace_back(text.substr(start, i - start));
+            start = i + 1;
+        }
+    }
+    return pieces;
+}
+
+bool hasToken(std::u16string_view line)
+{
+    for (const char16_t c : line)
+        if (c != u' ' && c != u'\t' && c != u'\n')
+            return true;
+    return false;
+}
+
+std::u16string widen(std::string_view ascii)
+{
+    std::u16string out;
+    out.reserve(ascii.size());
+    for (const char c : ascii)
+        out.push_back(static_cast<char16_t>(static_cast<unsigned char>(c)));
+    return out;
+}
+
+std::u16string utf8ToUtf16(std::string_view utf8)
+{
+    std::u16string out;
+    out.reserve(utf8.size());
+    std::size_t i = 0;
+    const auto byte = [&](std::size_t k) { return static_cast<unsigned char>(utf8[k]); };
+    while (i < utf8.size()) {
+        const unsigned char lead = byte(i);
+        char32_t c = 0xFFFD;
+        std::size_t length = 1;
+        std::size_t need = 0;
+        char32_t minimum = 0;
+        if (lead < 0x80) {
+            c = lead;
+        } else if ((lead & 0xE0) == 0xC0) {
+            c = lead & 0x1F, need = 1, minimum = 0x80;
+        } else if ((lead & 0xF0) == 0xE0) {
+            c = lead & 0x0F, need = 2, minimum = 0x800;
+        } else if ((lead & 0xF8) == 0xF0) {
+            c = lead & 0x07, need = 3, minimum = 0x10000;
+        }
+        if (need > 0) {
+            bool valid = i + need < utf8.size();
+            for (std::size_t k = 1; valid && k <= need; ++k) {
+                if ((byte(i + k) & 0xC0) != 0x80)
+                    valid = false;
+                else
+                    c = (c << 6) | (byte(i + k) & 0x3F);
+            }
+            if (valid && c >= minimum && c <= 0x10FFFF && !(c >= 0xD800 && c <= 0xDFFF))
+                length = need + 1;
+            else
+                c = 0xFFFD;
+        } else if (lead >= 0x80) {
+            c = 0xFFFD;
+        }
+        if (c >= 0x10000) {
+            c -= 0x10000;
+            out.push_back(static_cast<char16_t>(0xD800 + (c >> 10)));
+            out.push_back(static_cast<char16_t>(0xDC00 + (c & 0x3FF)));
+        } else {
+            out.push_back(static_cast<char16_t>(c));
+        }
+        i += length;
+    }
+    return out;
+}
+
+std::string utf16ToUtf8(std::u16string_view utf16)
+{
+    std::string out;
+    out.reserve(utf16.size());
+    for (std::size_t i = 0; i < utf16.size(); ++i) {
+        char32_t c = utf16[i];
+        if (c >= 0xD800 && c <= 0xDBFF && i + 1 < utf16.size() && utf16[i + 1] >= 0xDC00 && utf16[i + 1] <= 0xDFFF) {
+            c = 0x10000 + ((c - 0xD800) << 10) + (utf16[i + 1] - 0xDC00);
+            ++i;
+        } else if (c >= 0xD800 && c <= 0xDFFF) {
+            c = 0xFFFD;  // an unpaired surrogate has no UTF-8 form
+        }
+        appendUtf8(out, c);
+    }
+    return out;
+}
+
+}  // namespace zelko

@@ -1,0 +1,134 @@
+// The material file (.zmat): its frame, elastic and thermal sections. Each model
+// writes and reads its own block inside the plastic section.
+
+#include <algorithm>
+
+#include "hot/plastic_hot.h"
+#include "models/roomori.h"
+#include "material/project.h"
+
+namespace zelko {
+
+namespace {
+
+// Model numbers that the oldest layout files as hot.
+bool isOldHotModelNumber(int number)
+{
+    return number == 16 || number == 17 || number == 50 || number == 70 || (number >= 161 && number <= 168);
+}
+
+std::shared_ptr<Plastic> createModelOfKind(int kind)
+{
+    if (kind == ColdModel)
+        return std::make_shared<RoomOri>();
+    if (kind == HotModel)
+        return std::make_shared<PLASTIC_HOT>();
+    return nullptr;
+}
+
+}  // namespace
+
+void Project::WriteMaterialFile(TextWriter& out) const
+{
+    out.format("** VER.  %8d %8d\n", FORMAT_MAJOR, FORMAT_MINOR);
+    out.put(std::string_view("*Title\n"));
+    out.put(std::u16string_view(title).substr(0, title.find(u'\0')));
+    out.put(std::string_view("\n** ELASTIC\n"));
+    for (int i = 0; i < kElasticPropertyCount; ++i)
+        elastic->writeMaterialBlock(out, i);
+    out.put(std::string_view("** PLASTIC\n"));
+    if (activeModel)
+        activeModel->writeMaterialBlock(out, FORMAT_MAJOR, FORMAT_MINOR);
+    else
+        out.put(std::string_view("NULL"));
+    out.put(std::string_view("\n** HEAT\n"));
+    conductivity->writeMaterialBlock(out);
+    heatCapacity->writeMaterialBlock(out);
+}
+
+bool Project::ReadMaterialFile(TextReader& in)
+{
+    std::u16string line;
+    in.readLine(line);
+    const auto version = split(line, u" ");
+    if (version.size() < 4)
+        return false;
+    const int major = toInt(version[2]);
+    const int minor = toInt(version[3]);
+    if (major >= 22 || minor >= 7)
+        return false;
+    if (minor >= 5) {
+        bool titleFound = false;
+        while (!titleFound && !in.atEnd() && in.readNonBlankLine(line))
+            titleFound = line == u"*Title\n";
+        if (!titleFound)
+            return false;
+    }
+    if (in.readLine(line))
+        title = line;
+
+    while (!in.atEnd() && in.readLine(line)) {
+        if (line == u"** ELASTIC\n") {
+            elastic->readMaterialBlock(in, minor);
+        } else if (line == u"** PLASTIC\n") {
+            if (!in.readNonBlankLine(line))
+                continue;
+            int kind = ColdModel;
+            int number = 0;
+            bool threeColumns = false;
+            if (minor <= 4) {
+                number = toInt(line);
+                kind = isOldHotModelNumber(number) ? HotModel : ColdModel;
+            } else {
+                if (minor >= 6 && line == u"NULL\n")
+                    continue;
+                const auto tokens = split(line, u" ");
+                kind = tokens.empty() ? 0 : toInt(tokens[0]);
+                number = tokens.size() < 2 ? 0 : toInt(tokens[1]);
+                threeColumns = minor >= 6 && kind == HotModel && tokens.size() >= 3 && toInt(tokens[2]) == 1;
+            }
+            const std::shared_ptr<Plastic> model = createModelOfKind(kind);
+            if (!model)
+                continue;
+            model->modelNumber = number;
+            if (auto* hot = dynamic_cast<PLASTIC_HOT*>(model.get()))
+                hot->setHasThreeColumns(threeColumns);
+            model->readMaterialBlock(in, major, minor);
+            setModel(model);
+        } else if (line == u"** HEAT\n") {
+            conductivity->readLibraryBlock(in);
+            heatCapacity->readLibraryBlock(in);
+        }
+    }
+    return true;
+}
+
+bool Project::ReadLibraryFile(TextReader& in)
+{
+    // The loop runs only while the end-of-file indicator is set, so a freshly
+    // opened library leaves the material as it was.
+    std::u16string line;
+    while (in.atEnd()) {
+        if (!in.readLine(line))
+            break;
+        if (line == u"*Unit (N)") {
+            in.readLine(line);
+            elastic->readLibraryBlock(in);
+        } else if (line == u"*PlasticityModel (MPa)") {
+            in.readLine(line);
+            const int number = toInt(line);
+            std::shared_ptr<Plastic> model;
+            if (number == 0)
+                model = std::make_shared<RoomOri>();
+            else if (number == 16 || number == 17 || (number >= 161 && number <= 168))
+                model = std::make_shared<PLASTIC_HOT>();
+            if (model) {
+                libraryModel = model;
+                activeModel = model;
+            }
+        }
+    }
+    return true;
+}
+
+}  // namespace zelko

@@ -1,0 +1,112 @@
+#include "material/physprops.h"
+
+#include <array>
+#include <cmath>
+#include <vector>
+
+#include "base/textfile.h"
+
+namespace zelko {
+
+namespace {
+
+constexpr std::size_t kNumbersPerRow = 12;
+using Row = std::array<double, kNumbersPerRow>;
+
+constexpr std::array<std::u16string_view, 4> kTitles = {u"T (C)", u"Thermal conductivity-TOTAL", u"Density-TOTAL",
+                                                       u"Specific heat (J/(g K))"};
+
+// A row is taken when its first number, cut toward zero, is a multiple of 100.
+bool isHundredRow(double temperature)
+{
+    if (!std::isfinite(temperature) || std::fabs(temperature) >= 2147483648.0)
+        return false;
+    return static_cast<long long>(temperature) % 100 == 0;
+}
+
+// Rows of twelve numbers, read across line ends. A read that finds no number keeps
+// the previous row's values, so a final line end stores the last row twice.
+std::vector<Row> readRows(TextReader& in, bool& foundNumbers)
+{
+    std::vector<Row> rows;
+    Row row{};
+    foundNumbers = false;
+    while (!in.atEnd()) {
+        std::size_t read = 0;
+        while (read < kNumbersPerRow && in.scanDouble(row[read]))
+            ++read;
+        if (read == 0 && !in.atEnd())
+            break;  // text that is no number: the rest of the file can't be read as rows
+        foundNumbers = foundNumbers || read > 0;
+        rows.push_back(row);
+    }
+    return rows;
+}
+
+}  // namespace
+
+PhysPropsImport importPhysProps(std::string_view bytes)
+{
+    PhysPropsImport result;
+    TextReader in(bytes, ReadMode::EightBit);
+    std::u16string header;
+    if (!in.readLine(header, 2047)) {
+        result.message = "The PhysProps file is empty.";
+        return result;
+    }
+    // The line end is not part of the last title.
+    if (!header.empty() && header.back() == u'\n')
+        header.pop_back();
+    const std::vector<std::u16string> columns = split(header, u"\t");
+    std::array<std::size_t, 4> index{};
+    for (std::size_t t = 0; t < kTitles.size(); ++t) {
+        std::size_t found = 0;
+        for (std::size_t c = 0; c < columns.size(); ++c) {
+            if (columns[c] == kTitles[t]) {
+                index[t] = c;
+                ++found;
+            }
+        }
+        const std::string title = utf16ToUtf8(kTitles[t]);
+        if (found == 0) {
+            result.message = "The PhysProps file has no column \"" + title + "\".";
+            return result;
+        }
+        if (found > 1) {
+            result.message = "The PhysProps file has more than one column \"" + title + "\".";
+            return result;
+        }
+        if (index[t] >= kNumbersPerRow) {
+            result.message = "The column \"" + title + "\" lies beyond the twelve numbers read for each row.";
+            return result;
+        }
+    }
+
+    bool foundNumbers = false;
+    const std::vector<Row> rows = readRows(in, foundNumbers);
+    if (!foundNumbers) {
+        result.message = "The PhysProps file holds no rows of numbers.";
+        return result;
+    }
+
+    std::vector<const Row*> selected;
+    const Row* coldest = &rows.front();
+    for (const Row& row : rows) {
+        if (isHundredRow(row[0]))
+            selected.push_back(&row);
+        if (row[0] < (*coldest)[0])
+            coldest = &row;
+    }
+    selected.push_back(coldest);  // last, out of temperature order, even when already selected
+
+    for (const Row* row : selected) {
+        const Row& r = *row;
+        const double temperature = r[index[0]];
+        result.conductivity.push_back({temperature, r[index[1]] / 1000.0});
+        result.heatCapacity.push_back({temperature, r[index[2]] * r[index[3]] / 1000.0});
+    }
+    result.ok = true;
+    return result;
+}
+
+}  // namespace zelko

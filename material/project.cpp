@@ -1,0 +1,41 @@
+#include "material/project.h"
+
+namespace zelko {
+
+Project::Project()
+    : elastic(std::make_shared<ELASTIC>()),
+      conductivity(std::make_shared<HEAT>()),
+      heatCapacity(std::make_shared<HEAT>())
+{
+}
+
+Project::~Project()
+{
+    heatCapacity.reset();
+    conductivity.reset();
+    libraryModel.reset();
+    activeModel.reset();
+    elastic.reset();
+}
+
+void Project::setModel(const std::shared_ptr<Plastic>& model)
+{
+    activeModel = model;
+    libraryModel = model;
+}
+
+std::u16string titleFromViewText(std::u16string_view text)
+{
+    std::u16string title;
+    title.reserve(text.size());
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        title.push_back(text[i]);
+        if (text[i] == u'%' && i + 1 < text.size() && text[i + 1] == u'%')
+            ++i;
+    }
+    if (title.size() > kTitleCapacity - 1)
+        title.resize(kTitleCapacity - 1);
+    return title;
+}
+
+}  // namespace zelko

@@ -1,0 +1,192 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <climits>
+
+#include "base/fileio.h"
+#include "base/textfile.h"
+#include "testutil.h"
+
+namespace zelko {
+namespace {
+
+using test::sameBytes;
+
+TEST(TextWriter, EncodesEachFileKindWithItsMarkAndCrLf)
+{
+    TextWriter wide(TextEncoding::Utf16Le);
+    wide.put(u"A\u2103\n");
+    EXPECT_TRUE(sameBytes(wide.bytes(), std::string("\xFF\xFE" "A\0\x03\x21\r\0\n\0", 10)));
+
+    TextWriter narrow(TextEncoding::EightBit);
+    narrow.put(u"a\xE9\u2103\n");  // a character beyond 8 bits has no code
+    EXPECT_TRUE(sameBytes(narrow.bytes(), "a\xE9?\r\n"));
+
+    TextWriter utf8(TextEncoding::Utf8Bom);
+    utf8.put(u"\u2103\n");
+    EXPECT_TRUE(sameBytes(utf8.bytes(), "\xEF\xBB\xBF\xE2\x84\x83\r\n"));
+}
+
+TEST(TextWriter, FormatsWithPrintfWidths)
+{
+    TextWriter out;
+    out.format("%8d|%25.4E|%8zd\n", 21, 210000.0, std::size_t{3});
+    EXPECT_EQ(test::textOf(out), "      21|               2.1000E+05|       3\n");
+}
+
+TEST(TextReader, SniffsTheByteOrderMark)
+{
+    std::u16string line;
+    TextReader utf16(std::string("\xFF\xFE" "x\0\r\0\n\0", 8), ReadMode::SniffBom);
+    ASSERT_TRUE(utf16.readLine(line));
+    EXPECT_EQ(line, u"x\n");
+
+    TextReader utf8("\xEF\xBB\xBF\xE2\x84\x83\r\n", ReadMode::SniffBom);
+    ASSERT_TRUE(utf8.readLine(line));
+    EXPECT_EQ(line, u"\u2103\n");
+
+    // No mark: 8-bit text, each byte one character.
+    TextReader plain("\xE9\r\n", ReadMode::SniffBom);
+    ASSERT_TRUE(plain.readLine(line));
+    EXPECT_EQ(line, u"\xE9\n");
+
+    // Opened with "r", a UTF-16 mark is just two bytes of text.
+    TextReader bytes("\xFF\xFEz", ReadMode::EightBit);
+    ASSERT_TRUE(bytes.readLine(line));
+    EXPECT_EQ(line, u"\xFF\xFEz");
+}
+
+TEST(TextReader, DamagedEncodingsStillRead)
+{
+    std::u16string line;
+    // A UTF-16 file cut in the middle of a character loses that half character.
+    TextReader odd(std::string("\xFF\xFE" "a\0b", 5), ReadMode::SniffBom);
+    ASSERT_TRUE(odd.readLine(line));
+    EXPECT_EQ(line, u"a");
+    // Broken UTF-8 becomes replacement characters, never a crash.
+    TextReader utf8("\xEF\xBB\xBF\xC3\xE2\x84", ReadMode::SniffBom);
+    ASSERT_TRUE(utf8.readLine(line));
+    EXPECT_EQ(line, u"\uFFFD\uFFFD\uFFFD");
+}
+
+TEST(TextReader, LineReadsKeepTheLineEndAndStopAt255Units)
+{
+    const std::string longLine(300, 'x');
+    TextReader in = test::utf16Reader(longLine + "\nlast");
+    std::u16string line;
+    ASSERT_TRUE(in.readLine(line));
+    EXPECT_EQ(line.size(), 255u);  // a long line splits where the buffer fills
+    ASSERT_TRUE(in.readLine(line));
+    EXPECT_EQ(line, std::u16string(45, u'x') + u"\n");
+    EXPECT_FALSE(in.atEnd());
+    ASSERT_TRUE(in.readLine(line));
+    EXPECT_EQ(line, u"last");
+    EXPECT_TRUE(in.atEnd());  // a last line without line end meets the end
+    EXPECT_FALSE(in.readLine(line));
+}
+
+TEST(TextReader, EndIsSetOnlyByAReadPastTheLastLineEnd)
+{
+    TextReader in = test::utf16Reader("one\n");
+    std::u16string line;
+    ASSERT_TRUE(in.readLine(line));
+    EXPECT_FALSE(in.atEnd());
+    EXPECT_FALSE(in.readLine(line));
+    EXPECT_TRUE(in.atEnd());
+}
+
+TEST(TextReader, CrLfReadsAsLfButALoneCrStays)
+{
+    TextReader in("a\r\nb\rc\n", ReadMode::EightBit);
+    std::u16string line;
+    in.readLine(line);
+    EXPECT_EQ(line, u"a\n");
+    in.readLine(line);
+    EXPECT_EQ(line, u"b\rc\n");
+}
+
+TEST(TextReader, NonBlankLineSkipsLinesOfSpacesAndTabs)
+{
+    TextReader in = test::utf16Reader("\n  \t \n\n 7\n");
+    std::u16string line;
+    ASSERT_TRUE(in.readNonBlankLine(line));
+    EXPECT_EQ(line, u" 7\n");
+    EXPECT_FALSE(in.readNonBlankLine(line));
+}
+
+TEST(TextReader, ScansStopAtTextThatIsNoNumber)
+{
+    TextReader in = test::utf16Reader(" 12 -3.5e2 abc 4");
+    int i = 0;
+    double d = 0;
+    EXPECT_TRUE(in.scanInt(i));
+    EXPECT_EQ(i, 12);
+    EXPECT_TRUE(in.scanDouble(d));
+    EXPECT_DOUBLE_EQ(d, -350.0);
+    EXPECT_FALSE(in.scanInt(i));  // and nothing is consumed: the next scan fails the same way
+    EXPECT_FALSE(in.scanDouble(d));
+    std::u16string token;
+    EXPECT_TRUE(in.readToken(token));
+    EXPECT_EQ(token, u"abc");
+    EXPECT_TRUE(in.scanInt(i));
+    EXPECT_EQ(i, 4);
+    EXPECT_TRUE(in.atEnd());
+    EXPECT_FALSE(in.scanInt(i));
+}
+
+TEST(TextConversions, AreLenientLikeTheCLibrary)
+{
+    EXPECT_EQ(toInt(u"  42abc"), 42);
+    EXPECT_EQ(toInt(u"abc"), 0);
+    EXPECT_EQ(toInt(u"-17\n"), -17);
+    EXPECT_EQ(toInt(u"99999999999"), INT_MAX);  // saturates instead of wrapping
+    EXPECT_EQ(toInt(u"-99999999999"), INT_MIN);
+    EXPECT_DOUBLE_EQ(toDouble(u"\t-3.5e-2x"), -0.035);
+    EXPECT_DOUBLE_EQ(toDouble(u"1.e3"), 1000.0);
+    EXPECT_DOUBLE_EQ(toDouble(u"2e"), 2.0);  // an exponent without digits isn't part of the number
+    EXPECT_DOUBLE_EQ(toDouble(u".5"), 0.5);
+    EXPECT_EQ(toDouble(u"."), 0.0);
+    EXPECT_EQ(toDouble(u"1e400"), HUGE_VAL);
+    EXPECT_EQ(toDouble(u"1e-400"), 0.0);
+    EXPECT_TRUE(std::isnan(toDouble(u"nan")));
+}
+
+TEST(TextSplit, DropsEmptyPieces)
+{
+    EXPECT_EQ(split(u"  a,,b \n", u", \n"), (std::vector<std::u16string>{u"a", u"b"}));
+    EXPECT_TRUE(split(u"", u" ").empty());
+    EXPECT_EQ(split(std::string_view("x\ty"), "\t"), (std::vector<std::string>{"x", "y"}));
+}
+
+TEST(TextUtf, RoundTripsCharactersBeyondTheBasicPlane)
+{
+    const std::string text = "\xF0\x9F\x94\xA5 \xED\x95\xAD";  // an emoji and a Hangul syllable
+    EXPECT_EQ(utf16ToUtf8(utf8ToUtf16(text)), text);
+    EXPECT_EQ(utf8ToUtf16(text).size(), 4u);
+}
+
+TEST(FileIo, FailedSaveKeepsThePreviousFile)
+{
+    const auto folder = std::filesystem::temp_directory_path() / "zelko-fileio-test";
+    std::filesystem::remove_all(folder);
+    std::filesystem::create_directories(folder);
+    const auto path = folder / "m.zmat";
+    std::string error;
+    ASSERT_TRUE(saveFileAtomically(path, "first", error)) << error;
+    ASSERT_TRUE(saveFileAtomically(path, "second", error)) << error;
+    EXPECT_EQ(*readFileBytes(path, error), "second");
+    // A save into a folder that doesn't exist fails and leaves nothing behind.
+    EXPECT_FALSE(saveFileAtomically(folder / "missing" / "m.zmat", "x", error));
+    EXPECT_FALSE(error.empty());
+    // A save over a folder fails; the folder stays.
+    std::filesystem::create_directories(folder / "taken");
+    EXPECT_FALSE(saveFileAtomically(folder / "taken", "x", error));
+    EXPECT_TRUE(std::filesystem::is_directory(folder / "taken"));
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder), std::filesystem::directory_iterator()), 2);
+    EXPECT_FALSE(readFileBytes(folder / "nothing", error).has_value());
+    EXPECT_FALSE(readFileBytes(path, error, 3).has_value());  // over the size limit
+    std::filesystem::remove_all(folder);
+}
+
+}  // namespace
+}  // namespace zelko
