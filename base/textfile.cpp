@@ -10,9 +10,7 @@
 
 namespace zelko {
 
-namespace {
-
-std::string vformat(const char* fmt, va_list args)
+std::string formatTextV(const char* fmt, va_list args)
 {
     va_list copy;
     va_copy(copy, args);
@@ -28,6 +26,8 @@ std::string vformat(const char* fmt, va_list args)
     out.resize(static_cast<std::size_t>(needed));
     return out;
 }
+
+namespace {
 
 bool isSpace(char16_t c)
 {
@@ -206,7 +206,7 @@ void TextWriter::format(const char* fmt, ...)
     if (needed >= 0 && static_cast<std::size_t>(needed) < sizeof line)
         put(std::string_view(line, static_cast<std::size_t>(needed)));
     else if (needed >= 0)
-        put(std::string_view(vformat(fmt, args)));
+        put(std::string_view(formatTextV(fmt, args)));
     va_end(args);
 }
 
@@ -260,7 +260,7 @@ std::string formatText(const char* fmt, ...)
 {
     va_list args;
     va_start(args, fmt);
-    std::string out = vformat(fmt, args);
+    std::string out = formatTextV(fmt, args);
     va_end(args);
     return out;
 }

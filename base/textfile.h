@@ -4,6 +4,7 @@
 // demands; readers decode a whole file and offer the C runtime's line, token and
 // scan reads over it, with the same limits and end-of-file rules.
 
+#include <cstdarg>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -51,6 +52,7 @@ private:
 
 // printf into a std::string (for formats that are part of a layout or a message).
 std::string formatText(const char* fmt, ...) ZELKO_PRINTF_FORMAT(1, 2);
+std::string formatTextV(const char* fmt, va_list args);
 
 class TextReader {
 public:

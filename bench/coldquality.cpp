@@ -5,7 +5,7 @@
 
 #include "bench/coldcurves.h"
 #include "cold/coldlaws.h"
-#include "cold/leastsquares.h"
+#include "cold/lawpolish.h"
 
 int main()
 {

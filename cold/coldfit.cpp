@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "cold/coldlaws.h"
-#include "cold/leastsquares.h"
+#include "cold/lawpolish.h"
 #include "cold/tensilereduction.h"
 #include "base/exchangefolder.h"
 #include "base/fileio.h"

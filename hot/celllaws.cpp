@@ -5,7 +5,7 @@
 
 #include <Eigen/Dense>
 
-#include "hot/leastsquares.h"
+#include "numerics/leastsquares.h"
 
 namespace zelko {
 

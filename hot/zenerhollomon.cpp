@@ -4,7 +4,7 @@
 #include <cmath>
 #include <optional>
 
-#include "hot/leastsquares.h"
+#include "numerics/leastsquares.h"
 #include "hot/stresstable.h"
 
 namespace zelko {

@@ -5,7 +5,7 @@
 
 #include "cold/coldfit.h"
 #include "cold/coldlaws.h"
-#include "cold/leastsquares.h"
+#include "cold/lawpolish.h"
 #include "base/exchangefolder.h"
 #include "base/fileio.h"
 #include "testutil.h"

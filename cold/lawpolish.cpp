@@ -1,4 +1,4 @@
-#include "cold/leastsquares.h"
+#include "cold/lawpolish.h"
 
 #include <Eigen/Core>
 #include <unsupported/Eigen/NonLinearOptimization>

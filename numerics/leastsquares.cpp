@@ -1,4 +1,4 @@
-#include "hot/leastsquares.h"
+#include "numerics/leastsquares.h"
 
 #include <cmath>
 

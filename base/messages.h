@@ -1,0 +1,25 @@
+#pragma once
+// Every message the engine gives a user, as a code; the texts (some of them
+// printf formats) live in one table in messages.cpp. The screens and the
+// command-line tool show messageText(code) or formatMessage(code, ...).
+
+#include <string>
+#include <string_view>
+
+namespace zelko {
+
+enum class MessageCode {
+    None,
+    // base: files
+    CannotCreateFolder,
+    // models
+    // cold
+    // hot
+    // material
+};
+
+std::string_view messageText(MessageCode code);
+// The code's text as a printf format filled with the arguments.
+std::string formatMessage(MessageCode code, ...);
+
+}  // namespace zelko
