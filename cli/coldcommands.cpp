@@ -154,7 +154,6 @@ int runFitCold(const ParsedArguments& args)
     const ColdFitResult result = fitColdLaw(*record, law);
     if (!result.law)
         return fail(fileMessage(curvePath, result.message));
-    project.libraryModel = record->heldModel;  // the record is the active model already
     if (const int status = printResult(result.text + "\n"); status != 0)
         return status;
     return saveResults(args, project);
@@ -207,7 +206,6 @@ int runTensileResult(const ParsedArguments& args)
     if (const TensileResultStatus status = readTensileResult(job, *model); status != TensileResultStatus::Read)
         return fail(fileMessage(job, tensileResultMessage(status)));
     record->heldModel = model;
-    project.libraryModel = model;
     return saveResults(args, project);
 }
 

@@ -36,20 +36,20 @@ bool parsePreset(
 }
 
 // Saves the material to the file of -o; the exit status.
-int saveOutput(const ParsedArguments& args, const Project& project)
+int saveOutput(const ParsedArguments& args, const MaterialDocument& document)
 {
     std::string error;
-    return saveMaterial(*args.option(kOutput), project, error) ? 0 : fail(error);
+    return saveMaterial(*args.option(kOutput), document, error) ? 0 : fail(error);
 }
 
 int runInfo(const ParsedArguments& args)
 {
-    Project project;
-    FormatVersion version;
+    MaterialDocument document;
     std::string error;
-    if (!loadMaterial(args.positionals[0], project, version, error))
+    if (!openMaterial(args.positionals[0], document, error))
         return fail(error);
-    return printResult(jsonText(materialToJson(project, version.major, version.minor)));
+    const FileVersion version = document.version();
+    return printResult(jsonText(materialToJson(document.material(), version.major, version.minor)));
 }
 
 int runFromJson(const ParsedArguments& args)
@@ -59,15 +59,18 @@ int runFromJson(const ParsedArguments& args)
     const auto text = readInput(path, error, kMaxMaterialJsonBytes);
     if (!text)
         return fail(error);
-    const std::optional<Project> project = materialFromJson(*text, error);
+    std::optional<Project> project = materialFromJson(*text, error);
     if (!project)
         return fail(fileMessage(path, error));
-    return saveOutput(args, *project);
+    MaterialDocument document;
+    document.commit(std::move(*project));
+    return saveOutput(args, document);
 }
 
 int runNew(const ParsedArguments& args)
 {
-    Project project;
+    MaterialDocument document;
+    Project project = document.copy();
     std::string error;
     if (const std::string* title = args.option("--title")) {
         const std::u16string text = utf8ToUtf16(*title);
@@ -89,37 +92,34 @@ int runNew(const ParsedArguments& args)
     }
     if (thermal)
         applyThermalPreset(*thermal, project.conductivity->points, project.heatCapacity->points);
-    return saveOutput(args, project);
+    document.commit(std::move(project));
+    return saveOutput(args, document);
 }
 
 int runExport(const ParsedArguments& args)
 {
     const std::string& path = args.positionals[0];
-    Project project;
+    MaterialDocument document;
     std::string error;
-    if (!loadMaterial(path, project, error))
+    if (!openMaterial(path, document, error))
         return fail(error);
-    if (!project.libraryModel)
+    const std::shared_ptr<Plastic> model = document.material().libraryModel();
+    if (!model)
         return fail(fileMessage(path, "the material has no flow-stress model, so it has no library entry"));
-    TextWriter out(TextEncoding::EightBit);
-    const bool wroteModel = writeLibraryEntry(project, out);
-    if (!saveText(*args.option(kOutput), out, error))
+    bool wroteModelBlock = false;
+    if (!exportMaterial(*args.option(kOutput), document, wroteModelBlock, error))
         return fail(error);
-    if (!wroteModel) {
-        const Plastic& model = *project.libraryModel;
-        warn(fileMessage(path,
-            formatText("the %s model %d wrote no block; the entry's model section is empty",
-                model.modelKind == HotModel ? "hot" : "cold", model.modelNumber)));
-    }
+    if (!wroteModelBlock)
+        warn(fileMessage(path, missingModelBlockWarning(*model)));
     return 0;
 }
 
 int runImportPhysProps(const ParsedArguments& args)
 {
     const std::string& physPropsPath = args.positionals[1];
-    Project project;
+    MaterialDocument document;
     std::string error;
-    if (!loadMaterial(args.positionals[0], project, error))
+    if (!openMaterial(args.positionals[0], document, error))
         return fail(error);
     const auto bytes = readInput(physPropsPath, error, kMaxPhysPropsFileBytes);
     if (!bytes)
@@ -127,9 +127,11 @@ int runImportPhysProps(const ParsedArguments& args)
     PhysPropsImport imported = importPhysProps(*bytes);
     if (!imported.ok)
         return fail(fileMessage(physPropsPath, imported.message));
+    Project project = document.copy();
     project.conductivity->points = std::move(imported.conductivity);
     project.heatCapacity->points = std::move(imported.heatCapacity);
-    return saveOutput(args, project);
+    document.commit(std::move(project));
+    return saveOutput(args, document);
 }
 
 int runEstimateModulus(const ParsedArguments& args)
@@ -150,12 +152,14 @@ int runEstimateModulus(const ParsedArguments& args)
 
     const PropertyTable table = tselikovYoungsModulus(composition);
     if (storing) {
-        Project project;
-        if (!loadMaterial(args.positionals[0], project, error))
+        MaterialDocument document;
+        if (!openMaterial(args.positionals[0], document, error))
             return fail(error);
+        Project project = document.copy();
         project.elastic->propertyType[YoungsModulus] = 2;
         project.elastic->setTable(YoungsModulus, table);
-        if (const int status = saveOutput(args, project); status != 0)
+        document.commit(std::move(project));
+        if (const int status = saveOutput(args, document); status != 0)
             return status;
     }
     std::string rows;

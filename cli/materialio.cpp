@@ -13,31 +13,49 @@ std::optional<std::string> readInput(const std::string& path, std::string& error
     return bytes;
 }
 
-bool loadMaterial(const std::string& path, Project& project, FormatVersion& version, std::string& error)
+bool openMaterial(const std::string& path, MaterialDocument& document, std::string& error)
 {
-    const auto bytes = readInput(path, error);
-    if (!bytes)
-        return false;
-    TextReader in(*bytes, ReadMode::SniffBom);
-    if (!project.ReadMaterialFile(in)) {
-        error = fileMessage(path, "not a material file (version line or title rejected)");
-        return false;
-    }
-    // The reader keeps no version; take it from the first line as the reader does. A
-    // line read holds at most 255 units, which never take more than 2048 bytes.
-    TextReader first(std::string_view(*bytes).substr(0, 2048), ReadMode::SniffBom);
-    std::u16string line;
-    first.readLine(line);
-    const auto tokens = split(line, u" ");
-    version.major = toInt(tokens.at(2));
-    version.minor = toInt(tokens.at(3));
-    return true;
+    std::string reason;
+    if (document.open(path, reason))
+        return true;
+    error = fileMessage(path, reason);
+    return false;
+}
+
+bool saveMaterial(const std::string& path, const MaterialDocument& document, std::string& error)
+{
+    std::string reason;
+    if (document.save(path, reason))
+        return true;
+    error = fileMessage(path, reason);
+    return false;
+}
+
+bool exportMaterial(const std::string& path, const MaterialDocument& document, bool& wroteModelBlock, std::string& error)
+{
+    std::string reason;
+    if (document.exportLibrary(path, wroteModelBlock, reason))
+        return true;
+    error = fileMessage(path, reason);
+    return false;
 }
 
 bool loadMaterial(const std::string& path, Project& project, std::string& error)
 {
-    FormatVersion ignored;
-    return loadMaterial(path, project, ignored, error);
+    MaterialDocument document;
+    if (!openMaterial(path, document, error))
+        return false;
+    project = document.material();
+    return true;
+}
+
+bool saveMaterial(const std::string& path, const Project& project, std::string& error)
+{
+    std::string reason;
+    if (saveFileAtomically(path, materialFileBytes(project), reason))
+        return true;
+    error = fileMessage(path, reason);
+    return false;
 }
 
 bool saveText(const std::string& path, const TextWriter& text, std::string& error)
@@ -47,13 +65,6 @@ bool saveText(const std::string& path, const TextWriter& text, std::string& erro
         return true;
     error = fileMessage(path, reason);
     return false;
-}
-
-bool saveMaterial(const std::string& path, const Project& project, std::string& error)
-{
-    TextWriter out(TextEncoding::Utf16Le);
-    project.WriteMaterialFile(out);
-    return saveText(path, out, error);
 }
 
 }  // namespace zelko::cli

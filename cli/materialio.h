@@ -1,13 +1,13 @@
 #pragma once
-// The file part of the commands: inputs read whole, outputs saved whole or not at all.
-// Every error text names the file.
+// The file part of the commands over the material document: inputs read whole,
+// outputs saved whole or not at all. Every error text names the file.
 
 #include <cstdint>
 #include <optional>
 #include <string>
 
 #include "base/fileio.h"
-#include "material/project.h"
+#include "material/document.h"
 
 namespace zelko::cli {
 
@@ -15,19 +15,20 @@ namespace zelko::cli {
 // read into gigabytes of rows.
 inline constexpr std::uintmax_t kMaxPhysPropsFileBytes = 16u * 1024u * 1024u;
 
-struct FormatVersion {
-    int major = 0;
-    int minor = 0;
-};
-
 std::optional<std::string> readInput(
     const std::string& path, std::string& error, std::uintmax_t maxBytes = kMaxInputFileBytes);
 
-// Reads a .zmat as the Open command does, into a fresh project.
-[[nodiscard]] bool loadMaterial(const std::string& path, Project& project, FormatVersion& version, std::string& error);
+// Opens a .zmat into the document as the Open command does.
+[[nodiscard]] bool openMaterial(const std::string& path, MaterialDocument& document, std::string& error);
+[[nodiscard]] bool saveMaterial(const std::string& path, const MaterialDocument& document, std::string& error);
+// The library entry; wroteModelBlock tells whether the model had a block of its own.
+[[nodiscard]] bool exportMaterial(
+    const std::string& path, const MaterialDocument& document, bool& wroteModelBlock, std::string& error);
+
+// The same through a bare project, for the flow-stress commands.
 [[nodiscard]] bool loadMaterial(const std::string& path, Project& project, std::string& error);
+[[nodiscard]] bool saveMaterial(const std::string& path, const Project& project, std::string& error);
 
 [[nodiscard]] bool saveText(const std::string& path, const TextWriter& text, std::string& error);
-[[nodiscard]] bool saveMaterial(const std::string& path, const Project& project, std::string& error);
 
 }  // namespace zelko::cli

@@ -46,7 +46,7 @@ public:
     explicit ColdLaw(const RoomOri& record) : RoomOri(record) {}
 
     // A copy of the law with its parameters and error (the record's held model).
-    virtual std::shared_ptr<ColdLaw> clone() const = 0;
+    std::shared_ptr<ColdLaw> cloneLaw() const { return std::static_pointer_cast<ColdLaw>(clone()); }
     virtual std::size_t parameterCount() const = 0;
     virtual std::vector<const char*> variableNames() const = 0;  // numeric options table
     virtual std::vector<ParameterBound> defaultBounds() const = 0;

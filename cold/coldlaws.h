@@ -12,7 +12,7 @@ namespace zelko {
 class PLASTIC_1 : public FormulaLaw<SwiftFormula> {
 public:
     explicit PLASTIC_1(const RoomOri& record);
-    std::shared_ptr<ColdLaw> clone() const override { return std::make_shared<PLASTIC_1>(*this); }
+    std::shared_ptr<Plastic> clone() const override { return cloneAs<PLASTIC_1>(); }
     std::vector<const char*> variableNames() const override { return {"Y0", "s0", "n"}; }
     std::vector<ParameterBound> defaultBounds() const override;
     std::string resultText() const override;
@@ -28,7 +28,7 @@ protected:
 class PLASTIC_3 : public FormulaLaw<HollomonFormula> {
 public:
     explicit PLASTIC_3(const RoomOri& record);
-    std::shared_ptr<ColdLaw> clone() const override { return std::make_shared<PLASTIC_3>(*this); }
+    std::shared_ptr<Plastic> clone() const override { return cloneAs<PLASTIC_3>(); }
     std::vector<const char*> variableNames() const override { return {"K", "n"}; }
     std::vector<ParameterBound> defaultBounds() const override;
     std::string resultText() const override;
@@ -44,7 +44,7 @@ protected:
 class PLASTIC_4 : public FormulaLaw<LudwikFormula> {
 public:
     explicit PLASTIC_4(const RoomOri& record);
-    std::shared_ptr<ColdLaw> clone() const override { return std::make_shared<PLASTIC_4>(*this); }
+    std::shared_ptr<Plastic> clone() const override { return cloneAs<PLASTIC_4>(); }
     std::vector<const char*> variableNames() const override { return {"Y0", "K", "n"}; }
     std::vector<ParameterBound> defaultBounds() const override;
     std::string resultText() const override;
@@ -59,7 +59,7 @@ protected:
 class PLASTIC_Kim_Tuan : public FormulaLaw<KimTuanFormula> {
 public:
     explicit PLASTIC_Kim_Tuan(const RoomOri& record);
-    std::shared_ptr<ColdLaw> clone() const override { return std::make_shared<PLASTIC_Kim_Tuan>(*this); }
+    std::shared_ptr<Plastic> clone() const override { return cloneAs<PLASTIC_Kim_Tuan>(); }
     std::vector<const char*> variableNames() const override { return {"Y0", "s0", "T", "m", "C"}; }
     std::vector<ParameterBound> defaultBounds() const override;
     std::string resultText() const override;
@@ -73,7 +73,7 @@ protected:
 class PLASTIC_Hockett_Sherby : public FormulaLaw<HockettSherbyFormula> {
 public:
     explicit PLASTIC_Hockett_Sherby(const RoomOri& record);
-    std::shared_ptr<ColdLaw> clone() const override { return std::make_shared<PLASTIC_Hockett_Sherby>(*this); }
+    std::shared_ptr<Plastic> clone() const override { return cloneAs<PLASTIC_Hockett_Sherby>(); }
     std::vector<const char*> variableNames() const override { return {"Y0", "V1", "V2", "h1"}; }
     std::vector<ParameterBound> defaultBounds() const override;
     std::string resultText() const override;
@@ -87,7 +87,7 @@ protected:
 class PLASTIC_Voce_General : public FormulaLaw<VoceGeneralFormula> {
 public:
     explicit PLASTIC_Voce_General(const RoomOri& record);
-    std::shared_ptr<ColdLaw> clone() const override { return std::make_shared<PLASTIC_Voce_General>(*this); }
+    std::shared_ptr<Plastic> clone() const override { return cloneAs<PLASTIC_Voce_General>(); }
     std::vector<const char*> variableNames() const override { return {"V0", "V1", "V2", "V3"}; }
     std::vector<ParameterBound> defaultBounds() const override;
     std::string resultText() const override;
@@ -100,7 +100,7 @@ protected:
 class PLASTIC_ElMagd : public FormulaLaw<ElMagdFormula> {
 public:
     explicit PLASTIC_ElMagd(const RoomOri& record);
-    std::shared_ptr<ColdLaw> clone() const override { return std::make_shared<PLASTIC_ElMagd>(*this); }
+    std::shared_ptr<Plastic> clone() const override { return cloneAs<PLASTIC_ElMagd>(); }
     std::vector<const char*> variableNames() const override { return {"V0", "V1", "V2", "V3"}; }
     std::vector<ParameterBound> defaultBounds() const override;
     std::string resultText() const override;
@@ -115,7 +115,7 @@ protected:
 class PLASTIC_Voyiadjis_Abed : public FormulaLaw<VoyiadjisAbedFormula> {
 public:
     explicit PLASTIC_Voyiadjis_Abed(const RoomOri& record);
-    std::shared_ptr<ColdLaw> clone() const override { return std::make_shared<PLASTIC_Voyiadjis_Abed>(*this); }
+    std::shared_ptr<Plastic> clone() const override { return cloneAs<PLASTIC_Voyiadjis_Abed>(); }
     std::vector<const char*> variableNames() const override { return {"V0", "V1", "V2"}; }
     std::vector<ParameterBound> defaultBounds() const override;
     std::string resultText() const override;

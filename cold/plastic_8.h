@@ -39,6 +39,7 @@ class PLASTIC_8 : public RoomOri {
 public:
     PLASTIC_8() { modelNumber = 8; }
     explicit PLASTIC_8(const RoomOri& record) : RoomOri(record) { modelNumber = 8; }
+    std::shared_ptr<Plastic> clone() const override { return cloneAs<PLASTIC_8>(); }
 
     bool writeLibraryBlock(TextWriter& out, int version) const override;
     bool readLibraryBlock(TextReader& in) override;

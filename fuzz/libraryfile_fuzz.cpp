@@ -29,7 +29,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         Project project;
         project.ReadLibraryFile(in);
         FUZZ_CHECK(in.position() == 0);
-        FUZZ_CHECK(!project.activeModel && !project.libraryModel);
+        FUZZ_CHECK(!project.activeModel && !project.libraryModel());
         FUZZ_CHECK(project.elastic->tables[YoungsModulus].empty());
     }
     {

@@ -37,14 +37,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     if (!project.ReadMaterialFile(in))
         return 0;
     // The view and the export rely on both handles naming one model.
-    FUZZ_CHECK(project.activeModel == project.libraryModel);
+    FUZZ_CHECK(project.activeModel == project.libraryModel());
     FUZZ_CHECK(project.title.size() <= kTitleCapacity - 1);
 
     TextWriter out(TextEncoding::Utf16Le);
     project.WriteMaterialFile(out);
     const std::string saved = out.bytes();
 
-    if (project.libraryModel) {
+    if (project.libraryModel()) {
         TextWriter library(TextEncoding::EightBit);
         writeLibraryEntry(project, library);
         (void)library.bytes();
@@ -59,6 +59,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     FUZZ_CHECK(reopened.ReadMaterialFile(again));
     FUZZ_CHECK(reopened.title == reopenedTitle(project.title));
     FUZZ_CHECK(sameKind(reopened.activeModel.get(), project.activeModel.get()));
-    FUZZ_CHECK(reopened.activeModel == reopened.libraryModel);
+    FUZZ_CHECK(reopened.activeModel == reopened.libraryModel());
     return 0;
 }

@@ -48,6 +48,7 @@ protected:
 class PLASTIC_16 : public CellTableModel {
 public:
     PLASTIC_16() { modelNumber = 16; }
+    std::shared_ptr<Plastic> clone() const override { return cloneAs<PLASTIC_16>(); }
     bool writeLibraryBlock(TextWriter& out, int version) const override;
 
 protected:
@@ -93,6 +94,7 @@ private:
 class PLASTIC_162 : public PLASTIC_HOT {
 public:
     PLASTIC_162() { modelNumber = 162; }
+    std::shared_ptr<Plastic> clone() const override { return cloneAs<PLASTIC_162>(); }
 };
 
 // 161, 167 (offset) and 168 (cap) share the Hensel-Spittel strain law; 163
@@ -100,38 +102,47 @@ public:
 class PLASTIC_161 : public FourCoefficientModel {
 public:
     PLASTIC_161() : FourCoefficientModel(161, CellLaw::HenselSpittelStrain, false, false) {}
+    std::shared_ptr<Plastic> clone() const override { return cloneAs<PLASTIC_161>(); }
 };
 class PLASTIC_163 : public FourCoefficientModel {
 public:
     PLASTIC_163() : FourCoefficientModel(163, CellLaw::SwiftSoftening, true, true) {}
+    std::shared_ptr<Plastic> clone() const override { return cloneAs<PLASTIC_163>(); }
 };
 class PLASTIC_164 : public FourCoefficientModel {
 public:
     PLASTIC_164() : FourCoefficientModel(164, CellLaw::VoceLinear, false, false) {}
+    std::shared_ptr<Plastic> clone() const override { return cloneAs<PLASTIC_164>(); }
 };
 class PLASTIC_165 : public FourCoefficientModel {
 public:
     PLASTIC_165() : FourCoefficientModel(165, CellLaw::SwiftSoftening, true, false) {}
+    std::shared_ptr<Plastic> clone() const override { return cloneAs<PLASTIC_165>(); }
 };
 class PLASTIC_166 : public FourCoefficientModel {
 public:
     PLASTIC_166() : FourCoefficientModel(166, CellLaw::VoceLinear, false, true) {}
+    std::shared_ptr<Plastic> clone() const override { return cloneAs<PLASTIC_166>(); }
 };
 class PLASTIC_167 : public FourCoefficientModel {
 public:
     PLASTIC_167() : FourCoefficientModel(167, CellLaw::HenselSpittelStrain, true, false) {}
+    std::shared_ptr<Plastic> clone() const override { return cloneAs<PLASTIC_167>(); }
 };
 class PLASTIC_168 : public FourCoefficientModel {
 public:
     PLASTIC_168() : FourCoefficientModel(168, CellLaw::HenselSpittelStrain, false, true) {}
+    std::shared_ptr<Plastic> clone() const override { return cloneAs<PLASTIC_168>(); }
 };
 class PLASTIC_169 : public FourCoefficientModel {
 public:
     PLASTIC_169() : FourCoefficientModel(169, CellLaw::HockettSherby, false, false) {}
+    std::shared_ptr<Plastic> clone() const override { return cloneAs<PLASTIC_169>(); }
 };
 class PLASTIC_1600 : public FourCoefficientModel {
 public:
     PLASTIC_1600() : FourCoefficientModel(1600, CellLaw::PowerExponential, false, false) {}
+    std::shared_ptr<Plastic> clone() const override { return cloneAs<PLASTIC_1600>(); }
 };
 
 }  // namespace zelko

@@ -18,6 +18,7 @@ using HenselSpittelParameters = std::array<double, kHenselSpittelParameterCount>
 
 class PLASTIC_17 : public PLASTIC_HOT {
 public:
+    std::shared_ptr<Plastic> clone() const override { return cloneAs<PLASTIC_17>(); }
     PLASTIC_17() { modelNumber = 17; }
 
     bool writeLibraryBlock(TextWriter& out, int version) const override;

@@ -23,6 +23,7 @@ std::span<const Model70Item> model70Items();
 
 class PLASTIC_70 : public PLASTIC_HOT {
 public:
+    std::shared_ptr<Plastic> clone() const override { return cloneAs<PLASTIC_70>(); }
     PLASTIC_70() { modelNumber = 70; }
 
     // "%8d\n" with the id, then P0 to P27 as "%30.4E\n": always 29 lines.

@@ -54,6 +54,7 @@ struct HotFitResult {
 class PLASTIC_HOT : public Plastic {
 public:
     PLASTIC_HOT() { modelKind = HotModel; }
+    std::shared_ptr<Plastic> clone() const override { return cloneAs<PLASTIC_HOT>(); }
 
     void readMaterialBlock(TextReader& in, int major, int minor) override;
     void writeMaterialBlock(TextWriter& out, int major, int minor) const override;

@@ -18,6 +18,7 @@ struct MicrosCell {
 
 class PLASTIC_MICROS : public PLASTIC_HOT {
 public:
+    std::shared_ptr<Plastic> clone() const override { return cloneAs<PLASTIC_MICROS>(); }
     std::vector<std::vector<MicrosCell>> cells;  // [temperature][strain rate]
 };
 

@@ -33,6 +33,7 @@ double zenerHollomonStress(const ZenerHollomonOrder& order, double strainRate, d
 
 class PLASTIC_Zener_Hollomon : public PLASTIC_HOT {
 public:
+    std::shared_ptr<Plastic> clone() const override { return cloneAs<PLASTIC_Zener_Hollomon>(); }
     PLASTIC_Zener_Hollomon() { modelNumber = 50; }
 
     double evaluate(double strain, double strainRate, double temperature) const override;

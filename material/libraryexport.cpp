@@ -13,7 +13,7 @@ constexpr std::string_view kRule =
 
 bool writeLibraryEntry(const Project& project, TextWriter& out)
 {
-    const Plastic& model = *project.libraryModel;
+    const Plastic& model = *project.libraryModel();
     out.put(kRule);
     out.put(std::string_view("*MaterialLibrary\n"));
     out.put(kRule);

@@ -4,29 +4,10 @@
 #include <algorithm>
 
 #include "hot/plastic_hot.h"
-#include "models/roomori.h"
+#include "material/modelregistry.h"
 #include "material/project.h"
 
 namespace zelko {
-
-namespace {
-
-// Model numbers that the oldest layout files as hot.
-bool isOldHotModelNumber(int number)
-{
-    return number == 16 || number == 17 || number == 50 || number == 70 || (number >= 161 && number <= 168);
-}
-
-std::shared_ptr<Plastic> createModelOfKind(int kind)
-{
-    if (kind == ColdModel)
-        return std::make_shared<RoomOri>();
-    if (kind == HotModel)
-        return std::make_shared<PLASTIC_HOT>();
-    return nullptr;
-}
-
-}  // namespace
 
 void Project::WriteMaterialFile(TextWriter& out) const
 {
@@ -78,7 +59,7 @@ bool Project::ReadMaterialFile(TextReader& in)
             bool threeColumns = false;
             if (minor <= 4) {
                 number = toInt(line);
-                kind = isOldHotModelNumber(number) ? HotModel : ColdModel;
+                kind = isOldLayoutHotNumber(number) ? HotModel : ColdModel;
             } else {
                 if (minor >= 6 && line == u"NULL\n")
                     continue;
@@ -87,7 +68,7 @@ bool Project::ReadMaterialFile(TextReader& in)
                 number = tokens.size() < 2 ? 0 : toInt(tokens[1]);
                 threeColumns = minor >= 6 && kind == HotModel && tokens.size() >= 3 && toInt(tokens[2]) == 1;
             }
-            const std::shared_ptr<Plastic> model = createModelOfKind(kind);
+            const std::shared_ptr<Plastic> model = createRecordOfKind(kind);
             if (!model)
                 continue;
             model->modelNumber = number;
@@ -116,16 +97,9 @@ bool Project::ReadLibraryFile(TextReader& in)
             elastic->readLibraryBlock(in);
         } else if (line == u"*PlasticityModel (MPa)") {
             in.readLine(line);
-            const int number = toInt(line);
-            std::shared_ptr<Plastic> model;
-            if (number == 0)
-                model = std::make_shared<RoomOri>();
-            else if (number == 16 || number == 17 || (number >= 161 && number <= 168))
-                model = std::make_shared<PLASTIC_HOT>();
-            if (model) {
-                libraryModel = model;
+            const std::shared_ptr<Plastic> model = createLibraryRecord(toInt(line));
+            if (model)
                 activeModel = model;
-            }
         }
     }
     return true;

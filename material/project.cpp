@@ -9,19 +9,37 @@ Project::Project()
 {
 }
 
+Project::Project(const Project& other)
+    : title(other.title),
+      elastic(std::make_shared<ELASTIC>(*other.elastic)),
+      activeModel(other.activeModel ? other.activeModel->clone() : nullptr),
+      conductivity(std::make_shared<HEAT>(*other.conductivity)),
+      heatCapacity(std::make_shared<HEAT>(*other.heatCapacity))
+{
+}
+
+Project& Project::operator=(const Project& other)
+{
+    if (this != &other)
+        *this = Project(other);
+    return *this;
+}
+
 Project::~Project()
 {
     heatCapacity.reset();
     conductivity.reset();
-    libraryModel.reset();
     activeModel.reset();
     elastic.reset();
 }
 
-void Project::setModel(const std::shared_ptr<Plastic>& model)
+void Project::setModel(const std::shared_ptr<Plastic>& model) { activeModel = model; }
+
+std::shared_ptr<Plastic> Project::libraryModel() const
 {
-    activeModel = model;
-    libraryModel = model;
+    if (activeModel && activeModel->heldModel)
+        return activeModel->heldModel;
+    return activeModel;
 }
 
 std::u16string titleFromViewText(std::u16string_view text)

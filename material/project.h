@@ -14,9 +14,15 @@ inline constexpr int FORMAT_MAJOR = 21;
 inline constexpr int FORMAT_MINOR = 6;
 inline constexpr std::size_t kTitleCapacity = 256;  // wide characters, terminator included
 
+// A value: copying a project copies every set and model (Plastic::clone), so a
+// screen edits a copy and the document commits it whole or drops it.
 class Project {
 public:
     Project();
+    Project(const Project& other);
+    Project& operator=(const Project& other);
+    Project(Project&& other) noexcept = default;
+    Project& operator=(Project&& other) noexcept = default;
     virtual ~Project();
 
     // Records 1 to 10 of the material file.
@@ -27,13 +33,16 @@ public:
     // The Open command's library reader; inert on a freshly opened stream.
     bool ReadLibraryFile(TextReader& in);
 
-    // Stores one model in both handles, releasing what they held.
+    // Makes the model the active one, releasing what was held.
     void setModel(const std::shared_ptr<Plastic>& model);
+    // The model whose kind, number and block the library export takes: the law
+    // last fitted to the active record when it holds one, else the record itself.
+    // Derived, never stored, so the two handles can't drift apart.
+    std::shared_ptr<Plastic> libraryModel() const;
 
     std::u16string title;
     std::shared_ptr<ELASTIC> elastic;
-    std::shared_ptr<Plastic> activeModel;
-    std::shared_ptr<Plastic> libraryModel;
+    std::shared_ptr<Plastic> activeModel;  // the record the material file stores
     std::shared_ptr<HEAT> conductivity;
     std::shared_ptr<HEAT> heatCapacity;
 };

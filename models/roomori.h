@@ -31,6 +31,7 @@ struct ParameterBound {
 class RoomOri : public Plastic {
 public:
     RoomOri() { modelKind = ColdModel; }
+    std::shared_ptr<Plastic> clone() const override { return cloneAs<RoomOri>(); }
 
     void readMaterialBlock(TextReader& in, int major, int minor) override;
     void writeMaterialBlock(TextWriter& out, int major, int minor) const override;

@@ -1,0 +1,126 @@
+#include "material/document.h"
+
+#include "base/fileio.h"
+#include "material/libraryexport.h"
+
+namespace zelko {
+
+namespace {
+
+// Undo keeps this many materials; each is a whole copy, curves included.
+constexpr std::size_t kUndoDepth = 20;
+
+}  // namespace
+
+std::string materialFileBytes(const Project& material)
+{
+    TextWriter out(TextEncoding::Utf16Le);
+    material.WriteMaterialFile(out);
+    return out.bytes();
+}
+
+bool readMaterialBytes(std::string_view bytes, Project& material, FileVersion& version)
+{
+    // Read into a copy: a rejected file must leave the material as it was, and the
+    // reader only promises that for the rejections of its first lines.
+    Project read = material;
+    TextReader in(bytes, ReadMode::SniffBom);
+    if (!read.ReadMaterialFile(in))
+        return false;
+    // The version line passed the reader's check, so it has four tokens; a line
+    // read holds at most 255 units, which never take more than 2048 bytes.
+    TextReader first(bytes.substr(0, 2048), ReadMode::SniffBom);
+    std::u16string line;
+    first.readLine(line);
+    const auto tokens = split(line, u" ");
+    material = std::move(read);
+    version.major = toInt(tokens.at(2));
+    version.minor = toInt(tokens.at(3));
+    return true;
+}
+
+LibraryEntry libraryEntryBytes(const Project& material)
+{
+    TextWriter out(TextEncoding::EightBit);
+    LibraryEntry entry;
+    entry.hasModelBlock = writeLibraryEntry(material, out);
+    entry.bytes = out.bytes();
+    return entry;
+}
+
+std::string missingModelBlockWarning(const Plastic& model)
+{
+    return formatText("the %s model %d wrote no block; the entry's model section is empty",
+                      model.modelKind == HotModel ? "hot" : "cold", model.modelNumber);
+}
+
+MaterialDocument::MaterialDocument(Environment environment) : environment_(std::move(environment)) {}
+
+bool MaterialDocument::open(const std::filesystem::path& path, std::string& error)
+{
+    const auto bytes = readFileBytes(path, error);
+    if (!bytes)
+        return false;
+    if (!readMaterialBytes(*bytes, material_, version_)) {
+        error = "not a material file (version line or title rejected)";
+        return false;
+    }
+    undo_.clear();
+    redo_.clear();
+    modified_ = false;
+    return true;
+}
+
+bool MaterialDocument::save(const std::filesystem::path& path, std::string& error) const
+{
+    if (!saveFileAtomically(path, materialFileBytes(material_), error))
+        return false;
+    modified_ = false;
+    return true;
+}
+
+bool MaterialDocument::exportLibrary(const std::filesystem::path& path, bool& wroteModelBlock, std::string& error) const
+{
+    const std::shared_ptr<Plastic> model = material_.libraryModel();
+    if (!model) {
+        error = "the material has no flow-stress model, so it has no library entry";
+        return false;
+    }
+    const LibraryEntry entry = libraryEntryBytes(material_);
+    if (!saveFileAtomically(path, entry.bytes, error))
+        return false;
+    wroteModelBlock = entry.hasModelBlock;
+    return true;
+}
+
+void MaterialDocument::commit(Project edited)
+{
+    undo_.push_back(std::move(material_));
+    if (undo_.size() > kUndoDepth)
+        undo_.erase(undo_.begin());
+    redo_.clear();
+    material_ = std::move(edited);
+    modified_ = true;
+}
+
+void MaterialDocument::undo()
+{
+    if (undo_.empty())
+        return;
+    redo_.push_back(std::move(material_));
+    material_ = std::move(undo_.back());
+    undo_.pop_back();
+    modified_ = true;
+}
+
+void MaterialDocument::redo()
+{
+    if (redo_.empty())
+        return;
+    undo_.push_back(std::move(material_));
+    material_ = std::move(redo_.back());
+    redo_.pop_back();
+    modified_ = true;
+}
+
+}  // namespace zelko

@@ -1,0 +1,74 @@
+#pragma once
+// The material document: the one material being prepared, as the screens and the
+// command-line tool both work on it. It opens, saves and exports the material,
+// and takes edits whole: a screen (or a command) works on a copy and commits it,
+// so a cancelled screen or a failed fit leaves the material exactly as it was.
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "base/environment.h"
+#include "material/project.h"
+
+namespace zelko {
+
+struct FileVersion {
+    int major = FORMAT_MAJOR;
+    int minor = FORMAT_MINOR;
+};
+
+class MaterialDocument {
+public:
+    explicit MaterialDocument(Environment environment = Environment::fromProcess());
+
+    const Project& material() const { return material_; }
+    const Environment& environment() const { return environment_; }
+    // The layout version of the file last opened; the writer's for a new material.
+    FileVersion version() const { return version_; }
+
+    // Reads a .zmat as the Open command does: the file's content over the current
+    // material (what the file does not mention keeps its value). A rejected file
+    // changes nothing; error says why.
+    [[nodiscard]] bool open(const std::filesystem::path& path, std::string& error);
+    // Writes the .zmat atomically: a failed save leaves the previous file.
+    [[nodiscard]] bool save(const std::filesystem::path& path, std::string& error) const;
+    // Writes the .z3dlib entry. Refused without a flow-stress model; a model with
+    // no block of its own gives an entry without one (wroteModelBlock false).
+    [[nodiscard]] bool exportLibrary(const std::filesystem::path& path, bool& wroteModelBlock, std::string& error) const;
+
+    // A copy to edit; hand it back with commit.
+    Project copy() const { return material_; }
+    void commit(Project edited);
+    // Back to the material before the last commit (and forward again).
+    bool canUndo() const { return !undo_.empty(); }
+    bool canRedo() const { return !redo_.empty(); }
+    void undo();
+    void redo();
+    // Whether the material changed since it was opened, saved or created.
+    bool modified() const { return modified_; }
+
+private:
+    Environment environment_;
+    Project material_;
+    FileVersion version_;
+    std::vector<Project> undo_;
+    std::vector<Project> redo_;
+    mutable bool modified_ = false;
+};
+
+// The material file's bytes and its reading, for callers that hold bytes.
+std::string materialFileBytes(const Project& material);
+// Reads bytes over material; false (material untouched) when the file is rejected.
+[[nodiscard]] bool readMaterialBytes(std::string_view bytes, Project& material, FileVersion& version);
+
+// The library entry's bytes and whether the model wrote a block of its own.
+struct LibraryEntry {
+    std::string bytes;
+    bool hasModelBlock = false;
+};
+LibraryEntry libraryEntryBytes(const Project& material);
+// "the hot model 70 wrote no block; the entry's model section is empty"
+std::string missingModelBlockWarning(const Plastic& model);
+
+}  // namespace zelko

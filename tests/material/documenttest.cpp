@@ -1,0 +1,217 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <typeinfo>
+
+#include "base/fileio.h"
+#include "cold/coldlaw.h"
+#include "hot/plastic_hot.h"
+#include "material/document.h"
+#include "material/modelregistry.h"
+#include "testutil.h"
+
+namespace zelko {
+namespace {
+
+using test::sameBytes;
+
+const std::filesystem::path kGolden = std::filesystem::path(ZELKO_TEST_DATA) / "golden";
+
+// Everything a material holds that leaves the program: its file and its entry.
+struct Snapshot {
+    std::string file;
+    std::string entry;
+};
+
+Snapshot snapshotOf(const Project& material)
+{
+    return {materialFileBytes(material), material.libraryModel() ? libraryEntryBytes(material).bytes : ""};
+}
+
+void expectSame(const Project& actual, const Snapshot& expected)
+{
+    const Snapshot now = snapshotOf(actual);
+    EXPECT_TRUE(sameBytes(now.file, expected.file));
+    EXPECT_TRUE(sameBytes(now.entry, expected.entry));
+}
+
+// A tensile record holding a fitted Swift law, as the tensile screen leaves it.
+Project fittedColdMaterial()
+{
+    Project material;
+    material.title = u"AISI 1045";
+    material.elastic->setTable(YoungsModulus, {{20.0, 210000.0}});
+    material.conductivity->points = {{20.0, 0.05}, {500.0, 0.04}};
+    auto record = std::make_shared<RoomOri>();
+    record->modelNumber = 1;
+    record->inputKind = TrueCurve;
+    record->curves[TrueCurve] = {{0.01, 400.0}, {0.05, 480.0}, {0.1, 520.0}};
+    auto law = std::dynamic_pointer_cast<ColdLaw>(createModel({ColdModel, 1}));
+    static_cast<RoomOri&>(*law) = *record;
+    law->parameters = {700.0, 0.01, 0.2};
+    law->fitError = 3.5;
+    record->heldModel = law;
+    material.setModel(record);
+    return material;
+}
+
+std::filesystem::path freshFolder(const char* name)
+{
+    const auto folder = std::filesystem::temp_directory_path() / ("zelko-document-" + std::to_string(::getpid())) / name;
+    std::filesystem::remove_all(folder);
+    std::filesystem::create_directories(folder);
+    return folder;
+}
+
+TEST(MaterialValue, ACopyOwnsEveryPartAndKeepsTheExportedLawTiedToItsRecord)
+{
+    const Project original = fittedColdMaterial();
+    const Snapshot before = snapshotOf(original);
+    ASSERT_EQ(original.libraryModel(), original.activeModel->heldModel);
+
+    Project copy = original;
+    expectSame(copy, before);
+    EXPECT_NE(copy.elastic, original.elastic);
+    EXPECT_NE(copy.conductivity, original.conductivity);
+    EXPECT_NE(copy.activeModel, original.activeModel);
+    // The copy exports its own copy of the law, not the original's.
+    EXPECT_EQ(copy.libraryModel(), copy.activeModel->heldModel);
+    EXPECT_NE(copy.libraryModel(), original.libraryModel());
+
+    copy.title = u"changed";
+    copy.elastic->setTable(YoungsModulus, {{20.0, 1.0}});
+    copy.conductivity->points.clear();
+    dynamic_cast<RoomOri&>(*copy.activeModel).curves[TrueCurve].clear();
+    dynamic_cast<ColdLaw&>(*copy.libraryModel()).parameters[0] = 1.0;
+    expectSame(original, before);
+}
+
+TEST(MaterialValue, EveryModelClonesIntoItsOwnClassWithItsData)
+{
+    for (const ModelId id : knownModelIds()) {
+        SCOPED_TRACE(testing::Message() << "kind " << id.kind << " model " << id.number);
+        const std::shared_ptr<Plastic> model = createModel(id);
+        ASSERT_TRUE(model);
+        EXPECT_EQ(model->modelKind, id.kind);
+        EXPECT_EQ(model->modelNumber, id.number);
+        model->referenceValue = 12.5;
+        model->heldModel = createModel({ColdModel, 3});
+        if (auto* hot = dynamic_cast<PLASTIC_HOT*>(model.get())) {
+            hot->temperatures = {900.0, 1000.0};
+            hot->strainRates = {0.1};
+            hot->strains = {0.2};
+            hot->curves = {{HotCurve{{0.0, 0.2, 120.0}}}, {HotCurve{{0.0, 0.2, 90.0}}}};
+        } else {
+            dynamic_cast<RoomOri&>(*model).curves[TrueCurve] = {{0.1, 300.0}};
+        }
+
+        const std::shared_ptr<Plastic> copy = model->clone();
+        ASSERT_TRUE(copy);
+        EXPECT_EQ(typeid(*copy), typeid(*model));
+        EXPECT_NE(copy, model);
+        EXPECT_EQ(copy->referenceValue, 12.5);
+        ASSERT_TRUE(copy->heldModel);
+        EXPECT_NE(copy->heldModel, model->heldModel);
+        EXPECT_EQ(typeid(*copy->heldModel), typeid(*model->heldModel));
+
+        TextWriter a, b, libraryA(TextEncoding::EightBit), libraryB(TextEncoding::EightBit);
+        model->writeMaterialBlock(a, FORMAT_MAJOR, FORMAT_MINOR);
+        copy->writeMaterialBlock(b, FORMAT_MAJOR, FORMAT_MINOR);
+        EXPECT_TRUE(sameBytes(b.bytes(), a.bytes()));
+        EXPECT_EQ(model->writeLibraryBlock(libraryA, 6), copy->writeLibraryBlock(libraryB, 6));
+        EXPECT_TRUE(sameBytes(libraryB.bytes(), libraryA.bytes()));
+    }
+    EXPECT_FALSE(createModel({HotModel, 2}));
+    EXPECT_FALSE(createModel({ColdModel, 17}));
+}
+
+TEST(MaterialDocument, AnEditIsACopyThatIsCommittedWholeOrDropped)
+{
+    MaterialDocument document;
+    document.commit(fittedColdMaterial());
+    const Snapshot committed = snapshotOf(document.material());
+
+    {
+        // A screen edits its copy and is cancelled.
+        Project edit = document.copy();
+        edit.title = u"edited";
+        edit.heatCapacity->points.push_back({100.0, 4.0});
+        dynamic_cast<RoomOri&>(*edit.activeModel).diameter = 99.0;
+        dynamic_cast<ColdLaw&>(*edit.libraryModel()).fitError = 0.0;
+    }
+    expectSame(document.material(), committed);
+
+    Project edit = document.copy();
+    edit.title = u"edited";
+    document.commit(std::move(edit));
+    EXPECT_EQ(document.material().title, u"edited");
+    EXPECT_TRUE(document.modified());
+
+    ASSERT_TRUE(document.canUndo());
+    document.undo();
+    expectSame(document.material(), committed);
+    ASSERT_TRUE(document.canRedo());
+    document.redo();
+    EXPECT_EQ(document.material().title, u"edited");
+    EXPECT_FALSE(document.canRedo());
+}
+
+TEST(MaterialDocument, OpensWithTheFileVersionAndARejectedFileChangesNothing)
+{
+    const auto folder = freshFolder("open");
+    MaterialDocument document;
+    std::string error;
+    ASSERT_TRUE(document.open(kGolden / "minor5-cold" / "material.zmat", error)) << error;
+    EXPECT_EQ(document.version().major, 21);
+    EXPECT_EQ(document.version().minor, 5);
+    EXPECT_FALSE(document.modified());
+    const Snapshot opened = snapshotOf(document.material());
+
+    // A newer layout than this program writes is refused before anything is read.
+    TextWriter newer(TextEncoding::Utf16Le);
+    newer.put(std::string_view("** VER.  22 0\n*Title\nnewer\n"));
+    ASSERT_TRUE(saveFileAtomically(folder / "newer.zmat", newer.bytes(), error));
+    EXPECT_FALSE(document.open(folder / "newer.zmat", error));
+    EXPECT_EQ(error, "not a material file (version line or title rejected)");
+    EXPECT_FALSE(document.open(folder / "missing.zmat", error));
+    expectSame(document.material(), opened);
+    EXPECT_EQ(document.version().minor, 5);
+
+    // Saved and opened again: the same bytes, in the writer's layout.
+    ASSERT_TRUE(document.save(folder / "again.zmat", error)) << error;
+    MaterialDocument reopened;
+    ASSERT_TRUE(reopened.open(folder / "again.zmat", error)) << error;
+    EXPECT_EQ(reopened.version().minor, FORMAT_MINOR);
+    expectSame(reopened.material(), snapshotOf(document.material()));
+}
+
+TEST(MaterialDocument, ExportsTheFittedLawAndRefusesAMaterialWithoutModel)
+{
+    const auto folder = freshFolder("export");
+    MaterialDocument document;
+    std::string error;
+    bool wroteBlock = true;
+    EXPECT_FALSE(document.exportLibrary(folder / "none.z3dlib", wroteBlock, error));
+    EXPECT_EQ(error, "the material has no flow-stress model, so it has no library entry");
+    EXPECT_FALSE(std::filesystem::exists(folder / "none.z3dlib"));
+
+    document.commit(fittedColdMaterial());
+    ASSERT_TRUE(document.exportLibrary(folder / "swift.z3dlib", wroteBlock, error)) << error;
+    EXPECT_TRUE(wroteBlock);
+    const auto bytes = readFileBytes(folder / "swift.z3dlib", error);
+    ASSERT_TRUE(bytes);
+    EXPECT_TRUE(sameBytes(*bytes, libraryEntryBytes(document.material()).bytes));
+    EXPECT_NE(bytes->find("*ZelkoLibrary/Material/Cold/1\r\n"), std::string::npos);
+
+    // A record without a fitted law exports itself, which has no block.
+    Project bare = document.copy();
+    bare.activeModel->heldModel.reset();
+    document.commit(std::move(bare));
+    ASSERT_TRUE(document.exportLibrary(folder / "record.z3dlib", wroteBlock, error)) << error;
+    EXPECT_FALSE(wroteBlock);
+    EXPECT_EQ(missingModelBlockWarning(*document.material().libraryModel()),
+              "the cold model 1 wrote no block; the entry's model section is empty");
+}
+
+}  // namespace
+}  // namespace zelko
