@@ -25,17 +25,11 @@ bool readMaterialBytes(std::string_view bytes, Project& material, FileVersion& v
     // reader only promises that for the rejections of its first lines.
     Project read = material;
     TextReader in(bytes, ReadMode::SniffBom);
-    if (!read.ReadMaterialFile(in))
+    FileVersion fileVersion;
+    if (!read.ReadMaterialFile(in, &fileVersion))
         return false;
-    // The version line passed the reader's check, so it has four tokens; a line
-    // read holds at most 255 units, which never take more than 2048 bytes.
-    TextReader first(bytes.substr(0, 2048), ReadMode::SniffBom);
-    std::u16string line;
-    first.readLine(line);
-    const auto tokens = split(line, u" ");
     material = std::move(read);
-    version.major = toInt(tokens.at(2));
-    version.minor = toInt(tokens.at(3));
+    version = fileVersion;
     return true;
 }
 

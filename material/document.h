@@ -13,11 +13,6 @@
 
 namespace zelko {
 
-struct FileVersion {
-    int major = FORMAT_MAJOR;
-    int minor = FORMAT_MINOR;
-};
-
 class MaterialDocument {
 public:
     explicit MaterialDocument(Environment environment = Environment::fromProcess());

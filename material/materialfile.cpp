@@ -27,15 +27,15 @@ void Project::WriteMaterialFile(TextWriter& out) const
     heatCapacity->writeMaterialBlock(out);
 }
 
-bool Project::ReadMaterialFile(TextReader& in)
+bool Project::ReadMaterialFile(TextReader& in, FileVersion* version)
 {
     std::u16string line;
     in.readLine(line);
-    const auto version = split(line, u" ");
-    if (version.size() < 4)
+    const auto versionLine = split(line, u" ");
+    if (versionLine.size() < 4)
         return false;
-    const int major = toInt(version[2]);
-    const int minor = toInt(version[3]);
+    const int major = toInt(versionLine[2]);
+    const int minor = toInt(versionLine[3]);
     if (major >= 22 || minor >= 7)
         return false;
     if (minor >= 5) {
@@ -45,6 +45,8 @@ bool Project::ReadMaterialFile(TextReader& in)
         if (!titleFound)
             return false;
     }
+    if (version)
+        *version = {major, minor};
     if (in.readLine(line))
         title = line;
 

@@ -14,6 +14,12 @@ inline constexpr int FORMAT_MAJOR = 21;
 inline constexpr int FORMAT_MINOR = 6;
 inline constexpr std::size_t kTitleCapacity = 256;  // wide characters, terminator included
 
+// The layout version of a material file: the two numbers of its first line.
+struct FileVersion {
+    int major = FORMAT_MAJOR;
+    int minor = FORMAT_MINOR;
+};
+
 // A value: copying a project copies every set and model (Plastic::clone), so a
 // screen edits a copy and the document commits it whole or drops it.
 class Project {
@@ -29,7 +35,8 @@ public:
     void WriteMaterialFile(TextWriter& out) const;
     // False when the version line or the title keyword rejects the file; nothing
     // has been changed then.
-    [[nodiscard]] bool ReadMaterialFile(TextReader& in);
+    // The version of an accepted file goes to version when one is given.
+    [[nodiscard]] bool ReadMaterialFile(TextReader& in, FileVersion* version = nullptr);
     // The Open command's library reader; inert on a freshly opened stream.
     bool ReadLibraryFile(TextReader& in);
 
