@@ -23,6 +23,19 @@ constexpr MessageEntry kMessages[] = {
     // cold
     // hot
     // material
+    {MessageCode::NotAMaterialFile, "not a material file (version line or title rejected)"},
+    {MessageCode::NoFlowStressModel, "the material has no flow-stress model, so it has no library entry"},
+    {MessageCode::ModelWroteNoBlock, "the %s model %d wrote no block; the entry's model section is empty"},
+    {MessageCode::SelectConductivityRow, "항목을 선택하세요."},
+    {MessageCode::SelectHeatCapacityRow, "항목을 선택하여 주십시오."},
+    // The two tables print the clash with one and with no decimal.
+    {MessageCode::ConductivityTemperatureExists, "%.1f ℃는 이미 존재합니다."},
+    {MessageCode::HeatCapacityTemperatureExists, "%.0f ℃는 이미 존재합니다."},
+    {MessageCode::PhysPropsEmpty, "The PhysProps file is empty."},
+    {MessageCode::PhysPropsMissingColumn, "The PhysProps file has no column \"%s\"."},
+    {MessageCode::PhysPropsDuplicateColumn, "The PhysProps file has more than one column \"%s\"."},
+    {MessageCode::PhysPropsColumnBeyondRow, "The column \"%s\" lies beyond the twelve numbers read for each row."},
+    {MessageCode::PhysPropsNoRows, "The PhysProps file holds no rows of numbers."},
 };
 
 constexpr bool inCodeOrder()

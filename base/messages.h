@@ -16,6 +16,18 @@ enum class MessageCode {
     // cold
     // hot
     // material
+    NotAMaterialFile,
+    NoFlowStressModel,
+    ModelWroteNoBlock,
+    SelectConductivityRow,
+    SelectHeatCapacityRow,
+    ConductivityTemperatureExists,
+    HeatCapacityTemperatureExists,
+    PhysPropsEmpty,
+    PhysPropsMissingColumn,
+    PhysPropsDuplicateColumn,
+    PhysPropsColumnBeyondRow,
+    PhysPropsNoRows,
 };
 
 std::string_view messageText(MessageCode code);

@@ -5,6 +5,7 @@
 
 #include "cli/materialio.h"
 #include "cli/materialjson.h"
+#include "base/messages.h"
 #include "cli/messages.h"
 #include "material/tselikov.h"
 #include "material/elasticscreen.h"
@@ -105,7 +106,7 @@ int runExport(const ParsedArguments& args)
         return fail(error);
     const std::shared_ptr<Plastic> model = document.material().libraryModel();
     if (!model)
-        return fail(fileMessage(path, "the material has no flow-stress model, so it has no library entry"));
+        return fail(fileMessage(path, messageText(MessageCode::NoFlowStressModel)));
     bool wroteModelBlock = false;
     if (!exportMaterial(*args.option(kOutput), document, wroteModelBlock, error))
         return fail(error);

@@ -1,6 +1,7 @@
 #include "material/document.h"
 
 #include "base/fileio.h"
+#include "base/messages.h"
 #include "material/libraryexport.h"
 
 namespace zelko {
@@ -44,8 +45,7 @@ LibraryEntry libraryEntryBytes(const Project& material)
 
 std::string missingModelBlockWarning(const Plastic& model)
 {
-    return formatText("the %s model %d wrote no block; the entry's model section is empty",
-                      model.modelKind == HotModel ? "hot" : "cold", model.modelNumber);
+    return formatMessage(MessageCode::ModelWroteNoBlock, model.modelKind == HotModel ? "hot" : "cold", model.modelNumber);
 }
 
 MaterialDocument::MaterialDocument(Environment environment) : environment_(std::move(environment)) {}
@@ -56,7 +56,7 @@ bool MaterialDocument::open(const std::filesystem::path& path, std::string& erro
     if (!bytes)
         return false;
     if (!readMaterialBytes(*bytes, material_, version_)) {
-        error = "not a material file (version line or title rejected)";
+        error = messageText(MessageCode::NotAMaterialFile);
         return false;
     }
     undo_.clear();
@@ -77,7 +77,7 @@ bool MaterialDocument::exportLibrary(const std::filesystem::path& path, bool& wr
 {
     const std::shared_ptr<Plastic> model = material_.libraryModel();
     if (!model) {
-        error = "the material has no flow-stress model, so it has no library entry";
+        error = messageText(MessageCode::NoFlowStressModel);
         return false;
     }
     const LibraryEntry entry = libraryEntryBytes(material_);

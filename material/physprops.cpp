@@ -1,5 +1,7 @@
 #include "material/physprops.h"
 
+#include "base/messages.h"
+
 #include <array>
 #include <cmath>
 #include <vector>
@@ -51,7 +53,7 @@ PhysPropsImport importPhysProps(std::string_view bytes)
     TextReader in(bytes, ReadMode::EightBit);
     std::u16string header;
     if (!in.readLine(header, 2047)) {
-        result.message = "The PhysProps file is empty.";
+        result.message = messageText(MessageCode::PhysPropsEmpty);
         return result;
     }
     // The line end is not part of the last title.
@@ -69,15 +71,15 @@ PhysPropsImport importPhysProps(std::string_view bytes)
         }
         const std::string title = utf16ToUtf8(kTitles[t]);
         if (found == 0) {
-            result.message = "The PhysProps file has no column \"" + title + "\".";
+            result.message = formatMessage(MessageCode::PhysPropsMissingColumn, title.c_str());
             return result;
         }
         if (found > 1) {
-            result.message = "The PhysProps file has more than one column \"" + title + "\".";
+            result.message = formatMessage(MessageCode::PhysPropsDuplicateColumn, title.c_str());
             return result;
         }
         if (index[t] >= kNumbersPerRow) {
-            result.message = "The column \"" + title + "\" lies beyond the twelve numbers read for each row.";
+            result.message = formatMessage(MessageCode::PhysPropsColumnBeyondRow, title.c_str());
             return result;
         }
     }
@@ -85,7 +87,7 @@ PhysPropsImport importPhysProps(std::string_view bytes)
     bool foundNumbers = false;
     const std::vector<Row> rows = readRows(in, foundNumbers);
     if (!foundNumbers) {
-        result.message = "The PhysProps file holds no rows of numbers.";
+        result.message = messageText(MessageCode::PhysPropsNoRows);
         return result;
     }
 

@@ -1,5 +1,7 @@
 #include "material/thermaltables.h"
 
+#include "base/messages.h"
+
 #include <algorithm>
 #include <array>
 
@@ -39,7 +41,8 @@ bool sameTemperatureText(double a, double b) { return thermalEditedCellText(a) =
 
 std::string noSelectionMessage(ThermalTable which)
 {
-    return which == ThermalTable::Conductivity ? "항목을 선택하세요." : "항목을 선택하여 주십시오.";
+    return std::string(messageText(which == ThermalTable::Conductivity ? MessageCode::SelectConductivityRow
+                                                                        : MessageCode::SelectHeatCapacityRow));
 }
 
 bool validRow(const PropertyTable& table, int row) { return row >= 0 && static_cast<std::size_t>(row) < table.size(); }
@@ -73,9 +76,9 @@ ThermalEdit modifyThermalPoint(PropertyTable& table, ThermalTable which, int sel
         return {false, noSelectionMessage(which)};
     for (std::size_t i = 0; i < table.size(); ++i) {
         if (static_cast<int>(i) != selectedRow && sameTemperatureText(table[i].temperature, point.temperature)) {
-            // The two tables print the clash with one and with no decimal.
-            const char* fmt = which == ThermalTable::Conductivity ? "%.1f" : "%.0f";
-            return {false, formatText(fmt, point.temperature) + " ℃는 이미 존재합니다."};
+            return {false, formatMessage(which == ThermalTable::Conductivity ? MessageCode::ConductivityTemperatureExists
+                                                                             : MessageCode::HeatCapacityTemperatureExists,
+                                         point.temperature)};
         }
     }
     table[static_cast<std::size_t>(selectedRow)] = point;
