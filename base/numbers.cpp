@@ -261,14 +261,14 @@ NumberField parseNumberField(std::string_view field, double& value) { return par
 
 NumberField parseNumberField(std::u16string_view field, double& value) { return parseFieldOf(field, value); }
 
-std::string_view numberFieldProblem(NumberField result)
+const char* numberFieldProblem(NumberField result)
 {
     switch (result) {
-    case NumberField::Finite: return {};
+    case NumberField::Finite: return "";
     case NumberField::NotANumber: return "not a number";
     case NumberField::NotFinite: return "not a finite number";
     }
-    return {};
+    return "";
 }
 
 }  // namespace zelko

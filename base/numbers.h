@@ -41,7 +41,7 @@ enum class NumberField { Finite, NotANumber, NotFinite };
 NumberField parseNumberField(std::string_view field, double& value);
 NumberField parseNumberField(std::u16string_view field, double& value);
 // "not a number" or "not a finite number", as the messages put it.
-std::string_view numberFieldProblem(NumberField result);
+const char* numberFieldProblem(NumberField result);
 
 // True when every value project gives for the elements of range is finite; project
 // returns one double or an array of them (e.g. a curve point's x and y).

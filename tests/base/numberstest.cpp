@@ -203,9 +203,9 @@ TEST(NumberFields, RefuseEverythingElseAndSayWhy)
             EXPECT_EQ(value, c.value);
     }
 
-    EXPECT_EQ(numberFieldProblem(NumberField::NotANumber), "not a number");
-    EXPECT_EQ(numberFieldProblem(NumberField::NotFinite), "not a finite number");
-    EXPECT_EQ(numberFieldProblem(NumberField::Finite), "");
+    EXPECT_STREQ(numberFieldProblem(NumberField::NotANumber), "not a number");
+    EXPECT_STREQ(numberFieldProblem(NumberField::NotFinite), "not a finite number");
+    EXPECT_STREQ(numberFieldProblem(NumberField::Finite), "");
 }
 
 TEST(AllFinite, LooksAtEveryProjectedValueOfEveryElement)
