@@ -65,8 +65,10 @@ std::u16string joinCrLf(std::u16string text)
 
 void TextWriter::put(std::string_view text)
 {
-    for (const char c : text)
-        text_.push_back(static_cast<char16_t>(static_cast<unsigned char>(c)));
+    const std::size_t at = text_.size();
+    text_.resize(at + text.size());
+    std::transform(text.begin(), text.end(), text_.begin() + static_cast<std::ptrdiff_t>(at),
+                   [](char c) { return static_cast<char16_t>(static_cast<unsigned char>(c)); });
 }
 
 void TextWriter::format(const char* fmt, ...)
