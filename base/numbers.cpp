@@ -185,6 +185,22 @@ std::size_t leadingIntOf(std::basic_string_view<Char> text, int& value)
 }
 
 template <class Char>
+int atoiOf(std::basic_string_view<Char> text)
+{
+    int value = 0;
+    leadingIntOf(skipSpaces(text), value);
+    return value;
+}
+
+template <class Char>
+double atofOf(std::basic_string_view<Char> text)
+{
+    double value = 0.0;
+    leadingDoubleOf(skipSpaces(text), value);
+    return value;
+}
+
+template <class Char>
 NumberField parseFieldOf(std::basic_string_view<Char> field, double& value)
 {
     if (field.size() >= 2 && field[0] == '+' && field[1] == '-')
@@ -229,33 +245,13 @@ std::size_t leadingInt(std::u16string_view text, int& value) { return leadingInt
 
 std::size_t leadingDouble(std::u16string_view text, double& value) { return leadingDoubleOf(text, value); }
 
-int toInt(std::u16string_view text)
-{
-    int value = 0;
-    leadingIntOf(skipSpaces(text), value);
-    return value;
-}
+int toInt(std::u16string_view text) { return atoiOf(text); }
 
-double toDouble(std::u16string_view text)
-{
-    double value = 0.0;
-    leadingDoubleOf(skipSpaces(text), value);
-    return value;
-}
+double toDouble(std::u16string_view text) { return atofOf(text); }
 
-int toInt(std::string_view text)
-{
-    int value = 0;
-    leadingIntOf(skipSpaces(text), value);
-    return value;
-}
+int toInt(std::string_view text) { return atoiOf(text); }
 
-double toDouble(std::string_view text)
-{
-    double value = 0.0;
-    leadingDoubleOf(skipSpaces(text), value);
-    return value;
-}
+double toDouble(std::string_view text) { return atofOf(text); }
 
 NumberField parseNumberField(std::string_view field, double& value) { return parseFieldOf(field, value); }
 
