@@ -1,12 +1,7 @@
 #include "base/textfile.h"
 
 #include <algorithm>
-#include <charconv>
-#include <climits>
-#include <cmath>
 #include <cstdarg>
-#include <cstdio>
-#include <optional>
 
 namespace zelko {
 
@@ -15,14 +10,14 @@ std::string formatTextV(const char* fmt, va_list args)
     va_list copy;
     va_copy(copy, args);
     char small[512];
-    const int needed = std::vsnprintf(small, sizeof small, fmt, copy);
+    const int needed = formatInCLocale(small, sizeof small, fmt, copy);
     va_end(copy);
     if (needed < 0)
         return {};
     if (static_cast<std::size_t>(needed) < sizeof small)
         return std::string(small, static_cast<std::size_t>(needed));
     std::string out(static_cast<std::size_t>(needed) + 1, '\0');
-    std::vsnprintf(out.data(), out.size(), fmt, args);
+    formatInCLocale(out.data(), out.size(), fmt, args);
     out.resize(static_cast<std::size_t>(needed));
     return out;
 }
@@ -32,125 +27,6 @@ namespace {
 bool isSpace(char16_t c)
 {
     return c == u' ' || c == u'\t' || c == u'\n' || c == u'\r' || c == u'\v' || c == u'\f';
-}
-
-bool isDigit(char16_t c) { return c >= u'0' && c <= u'9'; }
-
-char16_t lower(char16_t c) { return (c >= u'A' && c <= u'Z') ? static_cast<char16_t>(c + 32) : c; }
-
-bool startsWithNoCase(std::u16string_view text, std::size_t at, std::string_view word)
-{
-    if (text.size() - at < word.size())
-        return false;
-    for (std::size_t i = 0; i < word.size(); ++i)
-        if (lower(text[at + i]) != static_cast<char16_t>(word[i]))
-            return false;
-    return true;
-}
-
-// Length of the number strtod would take at the start of text (no white space
-// skipped), 0 when there is none.
-std::size_t doublePrefixLength(std::u16string_view text)
-{
-    std::size_t i = 0;
-    if (i < text.size() && (text[i] == u'+' || text[i] == u'-'))
-        ++i;
-    if (startsWithNoCase(text, i, "infinity"))
-        return i + 8;
-    if (startsWithNoCase(text, i, "inf") || startsWithNoCase(text, i, "nan"))
-        return i + 3;
-    std::size_t digits = 0;
-    while (i < text.size() && isDigit(text[i])) {
-        ++i;
-        ++digits;
-    }
-    if (i < text.size() && text[i] == u'.') {
-        ++i;
-        while (i < text.size() && isDigit(text[i])) {
-            ++i;
-            ++digits;
-        }
-    }
-    if (digits == 0)
-        return 0;
-    if (i < text.size() && (text[i] == u'e' || text[i] == u'E')) {
-        std::size_t j = i + 1;
-        if (j < text.size() && (text[j] == u'+' || text[j] == u'-'))
-            ++j;
-        if (j < text.size() && isDigit(text[j])) {
-            while (j < text.size() && isDigit(text[j]))
-                ++j;
-            i = j;
-        }
-    }
-    return i;
-}
-
-double convertDouble(std::u16string_view number)
-{
-    std::string narrow;
-    narrow.reserve(number.size());
-    bool negative = false;
-    std::size_t start = 0;
-    if (!number.empty() && (number[0] == u'+' || number[0] == u'-')) {
-        negative = number[0] == u'-';
-        start = 1;
-    }
-    for (std::size_t i = start; i < number.size(); ++i)
-        narrow.push_back(static_cast<char>(number[i]));
-    double value = 0.0;
-    const auto result = std::from_chars(narrow.data(), narrow.data() + narrow.size(), value);
-    if (result.ec == std::errc::result_out_of_range) {
-        // strtod gives HUGE_VAL on overflow and 0 on underflow.
-        const auto e = narrow.find_first_of("eE");
-        const bool tiny = e != std::string::npos && e + 1 < narrow.size() && narrow[e + 1] == '-';
-        value = tiny ? 0.0 : HUGE_VAL;
-    } else if (result.ec != std::errc()) {
-        value = 0.0;
-    }
-    return negative ? -value : value;
-}
-
-std::size_t intPrefixLength(std::u16string_view text)
-{
-    std::size_t i = 0;
-    if (i < text.size() && (text[i] == u'+' || text[i] == u'-'))
-        ++i;
-    const std::size_t digitsStart = i;
-    while (i < text.size() && isDigit(text[i]))
-        ++i;
-    return i == digitsStart ? 0 : i;
-}
-
-int convertInt(std::u16string_view number)
-{
-    bool negative = false;
-    std::size_t i = 0;
-    if (!number.empty() && (number[0] == u'+' || number[0] == u'-')) {
-        negative = number[0] == u'-';
-        i = 1;
-    }
-    long long value = 0;
-    for (; i < number.size(); ++i) {
-        value = value * 10 + (number[i] - u'0');
-        if (value > static_cast<long long>(INT_MAX) + 1)
-            break;  // saturates below
-    }
-    if (negative)
-        value = -value;
-    if (value > INT_MAX)
-        return INT_MAX;
-    if (value < INT_MIN)
-        return INT_MIN;
-    return static_cast<int>(value);
-}
-
-std::size_t skipSpaces(std::u16string_view text)
-{
-    std::size_t i = 0;
-    while (i < text.size() && isSpace(text[i]))
-        ++i;
-    return i;
 }
 
 void appendUtf8(std::string& out, char32_t c)
@@ -189,8 +65,10 @@ std::u16string joinCrLf(std::u16string text)
 
 void TextWriter::put(std::string_view text)
 {
-    for (const char c : text)
-        text_.push_back(static_cast<char16_t>(static_cast<unsigned char>(c)));
+    const std::size_t at = text_.size();
+    text_.resize(at + text.size());
+    std::transform(text.begin(), text.end(), text_.begin() + static_cast<std::ptrdiff_t>(at),
+                   [](char c) { return static_cast<char16_t>(static_cast<unsigned char>(c)); });
 }
 
 void TextWriter::format(const char* fmt, ...)
@@ -201,7 +79,7 @@ void TextWriter::format(const char* fmt, ...)
     char line[256];
     va_list copy;
     va_copy(copy, args);
-    const int needed = std::vsnprintf(line, sizeof line, fmt, copy);
+    const int needed = formatInCLocale(line, sizeof line, fmt, copy);
     va_end(copy);
     if (needed >= 0 && static_cast<std::size_t>(needed) < sizeof line)
         put(std::string_view(line, static_cast<std::size_t>(needed)));
@@ -351,10 +229,11 @@ bool TextReader::scanInt(int& value)
 {
     skipWhiteSpace();
     const std::u16string_view rest(text_.data() + pos_, text_.size() - pos_);
-    const std::size_t length = intPrefixLength(rest);
+    int read = 0;
+    const std::size_t length = leadingInt(rest, read);
     if (length == 0)
         return false;
-    value = convertInt(rest.substr(0, length));
+    value = read;
     pos_ += length;
     if (pos_ >= text_.size())
         eof_ = true;
@@ -365,10 +244,11 @@ bool TextReader::scanDouble(double& value)
 {
     skipWhiteSpace();
     const std::u16string_view rest(text_.data() + pos_, text_.size() - pos_);
-    const std::size_t length = doublePrefixLength(rest);
+    double read = 0.0;
+    const std::size_t length = leadingDouble(rest, read);
     if (length == 0)
         return false;
-    value = convertDouble(rest.substr(0, length));
+    value = read;
     pos_ += length;
     if (pos_ >= text_.size())
         eof_ = true;
@@ -391,22 +271,6 @@ void TextReader::skipLine()
     if (pos_ >= text_.size())
         eof_ = true;
 }
-
-int toInt(std::u16string_view text)
-{
-    text.remove_prefix(skipSpaces(text));
-    return convertInt(text.substr(0, intPrefixLength(text)));
-}
-
-double toDouble(std::u16string_view text)
-{
-    text.remove_prefix(skipSpaces(text));
-    return convertDouble(text.substr(0, doublePrefixLength(text)));
-}
-
-int toInt(std::string_view text) { return toInt(widen(text)); }
-
-double toDouble(std::string_view text) { return toDouble(widen(text)); }
 
 std::vector<std::u16string> split(std::u16string_view text, std::u16string_view delimiters)
 {

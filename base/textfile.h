@@ -10,6 +10,8 @@
 #include <string_view>
 #include <vector>
 
+#include "base/numbers.h"  // toInt and toDouble, which the readers use with the text layer
+
 #if defined(__GNUC__) || defined(__clang__)
 #define ZELKO_PRINTF_FORMAT(fmtIndex, firstArg) __attribute__((format(printf, fmtIndex, firstArg)))
 #else
@@ -95,14 +97,6 @@ private:
     std::size_t allowance_ = kMinimumAllowance;
     static constexpr std::size_t kMinimumAllowance = 4096;
 };
-
-// The C library's lenient conversions: leading white space skipped, conversion
-// stops at the first character that does not belong to the number, 0 for text
-// that is not a number. Out-of-range integers saturate.
-int toInt(std::u16string_view text);
-double toDouble(std::u16string_view text);
-int toInt(std::string_view text);
-double toDouble(std::string_view text);
 
 // Cuts text at every character of delimiters, dropping empty pieces.
 std::vector<std::u16string> split(std::u16string_view text, std::u16string_view delimiters);

@@ -2,7 +2,8 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cmath>
+
+#include "base/numbers.h"
 
 namespace zelko::cli {
 
@@ -108,12 +109,7 @@ bool numberOption(const ParsedArguments& args, std::string_view name, double& va
         error = "missing option '" + std::string(name) + "'";
         return false;
     }
-    // from_chars takes no leading "+", which people do type.
-    std::string_view digits = *text;
-    if (digits.starts_with('+') && !digits.starts_with("+-"))
-        digits.remove_prefix(1);
-    const auto [end, ec] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
-    if (ec != std::errc() || end != digits.data() + digits.size() || !std::isfinite(value)) {
+    if (parseNumberField(*text, value) != NumberField::Finite) {
         error = "option '" + std::string(name) + "': '" + *text + "' is not a number";
         return false;
     }

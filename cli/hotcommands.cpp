@@ -1,8 +1,8 @@
-#include <charconv>
 #include <cmath>
 #include <memory>
 #include <vector>
 
+#include "base/numbers.h"
 #include "cli/commands.h"
 #include "cli/materialio.h"
 #include "cli/messages.h"
@@ -43,8 +43,7 @@ bool parseStrains(const std::string& text, GroupItems& items, std::string& error
 {
     for (const std::string& piece : split(std::string_view(text), ", \t;")) {
         double value = 0.0;
-        const auto [end, ec] = std::from_chars(piece.data(), piece.data() + piece.size(), value);
-        if (ec != std::errc() || end != piece.data() + piece.size() || !std::isfinite(value)) {
+        if (parseNumberField(piece, value) != NumberField::Finite) {
             error = "option '--strains': '" + piece + "' is not a number";
             return false;
         }

@@ -6,6 +6,7 @@
 #include <initializer_list>
 #include <memory>
 
+#include "base/numbers.h"
 #include "hot/plastic_hot.h"
 #include "models/roomori.h"
 
@@ -195,7 +196,7 @@ int digitsFor(double number)
     constexpr int kMaxDigits = 17;  // always enough for a double
     const double magnitude = std::fabs(number);
     int digits = magnitude >= 1 ? std::min(kMaxDigits, static_cast<int>(std::log10(magnitude)) + 1) : 1;
-    while (digits < kMaxDigits && std::strtod(formatText("%.*g", digits, number).c_str(), nullptr) != number)
+    while (digits < kMaxDigits && toDouble(formatText("%.*g", digits, number)) != number)
         ++digits;
     return digits;
 }

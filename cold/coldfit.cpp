@@ -1,5 +1,6 @@
 #include "cold/coldfit.h"
 
+#include <array>
 #include <cmath>
 
 #include "cold/coldlaws.h"
@@ -7,18 +8,11 @@
 #include "cold/tensilereduction.h"
 #include "base/exchangefolder.h"
 #include "base/fileio.h"
+#include "base/numbers.h"
 
 namespace zelko {
 
 namespace {
-
-bool finiteCurve(const Curve& curve)
-{
-    for (const CurvePoint& p : curve)
-        if (!std::isfinite(p.x) || !std::isfinite(p.y) || !std::isfinite(p.weight))
-            return false;
-    return true;
-}
 
 void writeSwiftComparisonFile(const ColdLaw& swift)
 {
@@ -66,7 +60,7 @@ ColdFitResult fitColdLaw(RoomOri& record, int listIndex)
         }
         record.curves[TrueCurve] = std::move(*trueCurve);
     }
-    if (!finiteCurve(record.curves[TrueCurve])) {
+    if (!allFinite(record.curves[TrueCurve], [](const CurvePoint& p) { return std::array{p.x, p.y, p.weight}; })) {
         result.message = "The true curve holds a value that is not a number.";
         return result;
     }

@@ -1,8 +1,8 @@
 #include "cold/curvefile.h"
 
-#include <charconv>
 #include <cmath>
 
+#include "base/numbers.h"
 #include "base/textfile.h"
 
 namespace zelko {
@@ -11,10 +11,7 @@ namespace {
 
 bool parseNumber(std::string_view token, double& value)
 {
-    if (token.starts_with('+'))
-        token.remove_prefix(1);
-    const auto [end, ec] = std::from_chars(token.data(), token.data() + token.size(), value);
-    return ec == std::errc() && end == token.data() + token.size();
+    return parseNumberField(token, value) != NumberField::NotANumber;  // inf and nan are refused by name below
 }
 
 }  // namespace

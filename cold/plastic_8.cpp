@@ -1,9 +1,11 @@
 #include "cold/plastic_8.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 #include "base/fileio.h"
+#include "base/numbers.h"
 
 namespace zelko {
 
@@ -145,11 +147,9 @@ std::vector<JobFile> tensileJobFiles(const RoomOri& record, const std::string& b
 bool writeTensileJob(const RoomOri& record, const std::filesystem::path& jobFile, const TensileJobSettings& settings,
                      std::string& error)
 {
-    for (const CurvePoint& p : record.curves[LoadDisplacement]) {
-        if (!std::isfinite(p.x) || !std::isfinite(p.y)) {
-            error = "the load-displacement curve holds a value that is not a number";
-            return false;
-        }
+    if (!allFinite(record.curves[LoadDisplacement], [](const CurvePoint& p) { return std::array{p.x, p.y}; })) {
+        error = "the load-displacement curve holds a value that is not a number";
+        return false;
     }
     if (record.curves[LoadDisplacement].empty()) {
         error = "there is no load-displacement curve to simulate";

@@ -1,6 +1,9 @@
 #include "cold/tensilereduction.h"
 
+#include <array>
 #include <cmath>
+
+#include "base/numbers.h"
 
 namespace zelko {
 
@@ -16,14 +19,6 @@ std::optional<double> forceFactor(int forceUnit)
     case 4: return 0.45359237 * 9.80665;
     default: return std::nullopt;
     }
-}
-
-bool allFinite(const Curve& curve)
-{
-    for (const CurvePoint& p : curve)
-        if (!std::isfinite(p.x) || !std::isfinite(p.y))
-            return false;
-    return true;
 }
 
 // Load-displacement from engineering values: d = e L0 / 2, F = A s.
@@ -76,7 +71,7 @@ std::optional<std::string> deriveCurveForms(RoomOri& record, double& area)
     if (record.inputKind < LoadDisplacement || record.inputKind > TrueCurve)
         return std::string("Unknown kind of input curve.");
     const Curve& entered = record.curves[static_cast<std::size_t>(record.inputKind)];
-    if (!allFinite(entered))
+    if (!allFinite(entered, [](const CurvePoint& p) { return std::array{p.x, p.y}; }))
         return std::string("The curve holds a value that is not a number.");
 
     Curve& loadDisplacement = record.curves[LoadDisplacement];

@@ -2,35 +2,14 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cmath>
 
+#include "base/numbers.h"
 #include "base/textfile.h"
 
 namespace zelko {
 
 namespace {
-
-enum class Number { Good, NotANumber, NotFinite };
-
-Number parseNumber(const std::u16string& token, double& value)
-{
-    std::string narrow;
-    for (const char16_t c : token) {
-        if (c > 0x7F)
-            return Number::NotANumber;
-        narrow.push_back(static_cast<char>(c));
-    }
-    std::string_view digits = narrow;
-    if (digits.starts_with('+') && !digits.starts_with("+-"))
-        digits.remove_prefix(1);
-    const auto [end, ec] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
-    if (end != digits.data() + digits.size() || digits.empty())
-        return Number::NotANumber;
-    if (ec == std::errc::result_out_of_range || !std::isfinite(value))
-        return Number::NotFinite;
-    return ec == std::errc() ? Number::Good : Number::NotANumber;
-}
 
 struct Row {
     std::size_t line;
@@ -57,7 +36,7 @@ std::optional<PLASTIC_HOT> readHotCurvesCsv(std::string_view bytes, const HotCsv
             continue;
         Row row{number, {}};
         double first = 0.0;
-        if (headerAllowed && parseNumber(tokens[0], first) == Number::NotANumber) {
+        if (headerAllowed && parseNumberField(tokens[0], first) == NumberField::NotANumber) {
             headerAllowed = false;
             continue;
         }
@@ -68,11 +47,11 @@ std::optional<PLASTIC_HOT> readHotCurvesCsv(std::string_view bytes, const HotCsv
             return std::nullopt;
         }
         for (std::size_t c = 0; c < 4; ++c) {
-            const Number parsed = parseNumber(tokens[c], row.values[c]);
-            if (parsed != Number::Good) {
+            const NumberField parsed = parseNumberField(tokens[c], row.values[c]);
+            if (parsed != NumberField::Finite) {
                 error = formatText("line %zu: the %s '%s' is %s", number, kColumns[c],
                                    utf16ToUtf8(tokens[c].substr(0, 40)).c_str(),
-                                   parsed == Number::NotFinite ? "not a finite number" : "not a number");
+                                   numberFieldProblem(parsed));
                 return std::nullopt;
             }
         }

@@ -9,6 +9,7 @@
 #include "numerics/vectormath.h"
 #include "base/exchangefolder.h"
 #include "base/fileio.h"
+#include "base/numbers.h"
 
 namespace zelko {
 
@@ -59,11 +60,10 @@ std::optional<ProcessingMap> computeProcessingMap(const PLASTIC_HOT& model, std:
             error = "the strain rates must be finite and above 0";
             return std::nullopt;
         }
-    for (const double t : T)
-        if (!std::isfinite(t)) {
-            error = "the temperatures must be finite";
-            return std::nullopt;
-        }
+    if (!allFinite(T)) {
+        error = "the temperatures must be finite";
+        return std::nullopt;
+    }
     if (onlyStrain && *onlyStrain >= model.strains.size()) {
         error = "no such sample strain";
         return std::nullopt;

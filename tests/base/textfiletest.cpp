@@ -3,7 +3,6 @@
 #include <cmath>
 #include <climits>
 
-#include "base/fileio.h"
 #include "base/textfile.h"
 #include "testutil.h"
 
@@ -163,29 +162,6 @@ TEST(TextUtf, RoundTripsCharactersBeyondTheBasicPlane)
     const std::string text = "\xF0\x9F\x94\xA5 \xED\x95\xAD";  // an emoji and a Hangul syllable
     EXPECT_EQ(utf16ToUtf8(utf8ToUtf16(text)), text);
     EXPECT_EQ(utf8ToUtf16(text).size(), 4u);
-}
-
-TEST(FileIo, FailedSaveKeepsThePreviousFile)
-{
-    const auto folder = std::filesystem::temp_directory_path() / "zelko-fileio-test";
-    std::filesystem::remove_all(folder);
-    std::filesystem::create_directories(folder);
-    const auto path = folder / "m.zmat";
-    std::string error;
-    ASSERT_TRUE(saveFileAtomically(path, "first", error)) << error;
-    ASSERT_TRUE(saveFileAtomically(path, "second", error)) << error;
-    EXPECT_EQ(*readFileBytes(path, error), "second");
-    // A save into a folder that doesn't exist fails and leaves nothing behind.
-    EXPECT_FALSE(saveFileAtomically(folder / "missing" / "m.zmat", "x", error));
-    EXPECT_FALSE(error.empty());
-    // A save over a folder fails; the folder stays.
-    std::filesystem::create_directories(folder / "taken");
-    EXPECT_FALSE(saveFileAtomically(folder / "taken", "x", error));
-    EXPECT_TRUE(std::filesystem::is_directory(folder / "taken"));
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder), std::filesystem::directory_iterator()), 2);
-    EXPECT_FALSE(readFileBytes(folder / "nothing", error).has_value());
-    EXPECT_FALSE(readFileBytes(path, error, 3).has_value());  // over the size limit
-    std::filesystem::remove_all(folder);
 }
 
 }  // namespace

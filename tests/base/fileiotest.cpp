@@ -1,0 +1,113 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#if !defined(_WIN32)
+#include <csignal>
+#include <sys/resource.h>
+#endif
+
+#include "base/fileio.h"
+#include "testutil.h"
+
+namespace zelko {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::vector<std::string> fileNames(const fs::path& folder)
+{
+    std::vector<std::string> names;
+    for (const fs::directory_entry& entry : fs::directory_iterator(folder))
+        names.push_back(entry.path().filename().string());
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+TEST(FileIo, FailedSaveKeepsThePreviousFile)
+{
+    const auto folder = std::filesystem::temp_directory_path() / "zelko-fileio-test";
+    std::filesystem::remove_all(folder);
+    std::filesystem::create_directories(folder);
+    const auto path = folder / "m.zmat";
+    std::string error;
+    ASSERT_TRUE(saveFileAtomically(path, "first", error)) << error;
+    ASSERT_TRUE(saveFileAtomically(path, "second", error)) << error;
+    EXPECT_EQ(*readFileBytes(path, error), "second");
+    // A save into a folder that doesn't exist fails and leaves nothing behind.
+    EXPECT_FALSE(saveFileAtomically(folder / "missing" / "m.zmat", "x", error));
+    EXPECT_FALSE(error.empty());
+    // A save over a folder fails; the folder stays.
+    std::filesystem::create_directories(folder / "taken");
+    EXPECT_FALSE(saveFileAtomically(folder / "taken", "x", error));
+    EXPECT_TRUE(std::filesystem::is_directory(folder / "taken"));
+    EXPECT_EQ(fileNames(folder), (std::vector<std::string>{"m.zmat", "taken"}));
+    EXPECT_FALSE(readFileBytes(folder / "nothing", error).has_value());
+    EXPECT_FALSE(readFileBytes(path, error, 3).has_value());  // over the size limit
+    std::filesystem::remove_all(folder);
+}
+
+#if !defined(_WIN32)
+// The process may write no file beyond a limit, like a disk that fills up in the
+// middle of a save: a write past it fails (instead of raising SIGXFSZ).
+class FileSizeLimit {
+public:
+    explicit FileSizeLimit(rlim_t bytes) : previousHandler_(std::signal(SIGXFSZ, SIG_IGN))
+    {
+        getrlimit(RLIMIT_FSIZE, &previous_);
+        rlimit limited = previous_;
+        limited.rlim_cur = std::min(bytes, previous_.rlim_max);
+        applied_ = setrlimit(RLIMIT_FSIZE, &limited) == 0;
+    }
+    ~FileSizeLimit()
+    {
+        setrlimit(RLIMIT_FSIZE, &previous_);
+        std::signal(SIGXFSZ, previousHandler_);
+    }
+    FileSizeLimit(const FileSizeLimit&) = delete;
+    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+    bool applied() const { return applied_; }
+
+private:
+    void (*previousHandler_)(int);
+    rlimit previous_{};
+    bool applied_ = false;
+};
+
+TEST(FileIo, ASaveThatFailsHalfwayLeavesThePreviousFileAndNoTemporary)
+{
+    const fs::path folder = fs::temp_directory_path() / "zelko-fileio-halfway";
+    fs::remove_all(folder);
+    fs::create_directories(folder);
+    const fs::path path = folder / "m.zmat";
+    const std::string previous("\xFF\xFEp\0r\0e\0v\0\r\0\n\0", 14);  // a UTF-16 file, NULs and all
+    std::string error;
+    ASSERT_TRUE(saveFileAtomically(path, previous, error)) << error;
+
+    const std::string larger(256 * 1024, 'n');
+    bool saved = true;
+    {
+        const FileSizeLimit limit(4096);
+        ASSERT_TRUE(limit.applied());
+        saved = saveFileAtomically(path, larger, error);
+    }
+    EXPECT_FALSE(saved);
+    EXPECT_EQ(error, "cannot write the file (disk full?)");
+    const auto kept = readFileBytes(path, error);
+    ASSERT_TRUE(kept.has_value()) << error;
+    EXPECT_TRUE(test::sameBytes(*kept, previous));
+    EXPECT_EQ(fileNames(folder), std::vector<std::string>{"m.zmat"});
+
+    // With room again the same save goes through whole.
+    ASSERT_TRUE(saveFileAtomically(path, larger, error)) << error;
+    EXPECT_TRUE(test::sameBytes(*readFileBytes(path, error), larger));
+    EXPECT_EQ(fileNames(folder), std::vector<std::string>{"m.zmat"});
+    fs::remove_all(folder);
+}
+#endif
+
+}  // namespace
+}  // namespace zelko
