@@ -53,4 +53,15 @@ void BM_ReadMaterialFile(benchmark::State& state)
 }
 BENCHMARK(BM_ReadMaterialFile)->Unit(benchmark::kMillisecond);
 
+// A screen starts from a copy of the material: the whole data set is copied.
+void BM_CopyMaterial(benchmark::State& state)
+{
+    const zelko::Project project = largeHotMaterial();
+    for (auto _ : state) {
+        zelko::Project copy = project;
+        benchmark::DoNotOptimize(copy.activeModel.get());
+    }
+}
+BENCHMARK(BM_CopyMaterial)->Unit(benchmark::kMillisecond);
+
 }  // namespace
