@@ -17,10 +17,15 @@ inline ::testing::AssertionResult sameBytes(std::string_view actual, std::string
     for (std::size_t i = 0; i < common; ++i) {
         if (actual[i] != expected[i]) {
             const std::size_t from = i < 24 ? 0 : i - 24;
+            // AssertionResult formats each piece on its own, so the hex digits are made here.
+            const auto hex = [](char c) {
+                constexpr char kDigits[] = "0123456789abcdef";
+                const auto byte = static_cast<unsigned char>(c);
+                return std::string{'0', 'x', kDigits[byte >> 4], kDigits[byte & 15]};
+            };
             return ::testing::AssertionFailure()
-                   << "first difference at byte " << i << ": got 0x" << std::hex
-                   << (static_cast<unsigned>(static_cast<unsigned char>(actual[i]))) << ", expected 0x"
-                   << (static_cast<unsigned>(static_cast<unsigned char>(expected[i]))) << std::dec << "\n got ..."
+                   << "first difference at byte " << i << ": got " << hex(actual[i]) << ", expected "
+                   << hex(expected[i]) << "\n got ..."
                    << ::testing::PrintToString(std::string(actual.substr(from, 48))) << "\n want ..."
                    << ::testing::PrintToString(std::string(expected.substr(from, 48)));
         }
