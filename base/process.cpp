@@ -7,6 +7,9 @@
 #ifdef _WIN32
 #include <thread>
 
+#ifndef NOMINMAX
+#define NOMINMAX  // std::min and std::max, not the macros
+#endif
 #include <windows.h>
 #else
 #include <cerrno>
@@ -354,7 +357,7 @@ void readAll(HANDLE from, std::string& to)
 {
     char chunk[65536];
     DWORD got = 0;
-    while (ReadFile(from, chunk, sizeof chunk, &got, nullptr) && got > 0)
+    while (ReadFile(from, chunk, static_cast<DWORD>(sizeof chunk), &got, nullptr) && got > 0)
         appendCapped(to, chunk, got);
 }
 
