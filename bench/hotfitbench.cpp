@@ -24,9 +24,9 @@ void BM_HenselSpittelSynthetic(benchmark::State& state)
     const PLASTIC_HOT dataSet = bench::syntheticDataSet(6, {0.01, 0.1, 1.0, 10.0});
     HotFitResult result;
     for (auto _ : state) {
-        auto model = createHotModel(17, dataSet);
-        result = model->fit({});
-        benchmark::DoNotOptimize(model->parameters.data());
+        const HotFit fit = fitHotModel(dataSet, HotModelId::Type17, {});
+        result = fit.result;
+        benchmark::DoNotOptimize(fit.model->parameters.data());
     }
     reportFit(state, result);
 }
@@ -39,9 +39,9 @@ void BM_MeasuredFit(benchmark::State& state)
     const PLASTIC_HOT dataSet = bench::measuredDataSet();
     HotFitResult result;
     for (auto _ : state) {
-        auto model = createHotModel(modelId, dataSet);
-        result = model->fit({});
-        benchmark::DoNotOptimize(model.get());
+        const HotFit fit = fitHotModel(dataSet, *hotModelIdOf(modelId), {});
+        result = fit.result;
+        benchmark::DoNotOptimize(fit.model.get());
     }
     state.SetLabel("type " + std::to_string(modelId));
     reportFit(state, result);
@@ -50,9 +50,9 @@ BENCHMARK(BM_MeasuredFit)->Arg(17)->Arg(50)->Arg(16)->Arg(161)->Arg(164)->Arg(16
 
 std::shared_ptr<PLASTIC_HOT> fittedMapModel()
 {
-    auto model = createHotModel(17, bench::syntheticDataSet(30, {0.001, 0.003, 0.01, 0.03, 0.1, 0.3, 1, 3, 10}));
-    model->fit({});
-    return model;
+    return fitHotModel(bench::syntheticDataSet(30, {0.001, 0.003, 0.01, 0.03, 0.1, 0.3, 1, 3, 10}), HotModelId::Type17,
+                       {})
+        .model;
 }
 
 void BM_ProcessingMap(benchmark::State& state)

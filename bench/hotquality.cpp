@@ -141,8 +141,9 @@ PLASTIC_17 boundedOptimum(const PLASTIC_HOT& dataSet, const HotStressTable& tabl
 
 void compareWithOptimum(const char* name, const PLASTIC_HOT& dataSet)
 {
-    auto descent = createHotModel(17, dataSet);
-    const HotFitResult result = descent->fit({});
+    const HotFit fit = fitHotModel(dataSet, HotModelId::Type17, {});
+    const HotFitResult& result = fit.result;
+    const auto& descent = fit.model;
     const HotStressTable table(*descent);
     const HenselSpittelObjective objective(*descent, table, {}, 0);
     const HenselSpittelParameters start = henselSpittelStart(*descent, table, 0, objective);
@@ -175,8 +176,7 @@ int main()
                 measured.strainRates.size(), measured.strains.size());
     std::printf("| type | AARE %% | RMSE MPa | entries |\n|---|---|---|---|\n");
     for (const int id : {17, 50, 16, 161, 163, 164, 165, 166, 167, 168, 169, 1600}) {
-        auto model = createHotModel(id, measured);
-        const HotFitResult r = model->fit({});
+        const HotFitResult r = fitHotModel(measured, *hotModelIdOf(id), {}).result;
         std::printf("| %d | %.2f | %.2f | %zu |\n", id, r.aare * 100.0, r.rmse, r.compared);
     }
     std::printf("\nHensel-Spittel descent (defaults) against the bounded optimum of the same objective\n\n");

@@ -2,6 +2,7 @@
 #include <memory>
 #include <vector>
 
+#include "base/environment.h"
 #include "base/numbers.h"
 #include "cli/commands.h"
 #include "cli/materialio.h"
@@ -23,15 +24,15 @@ constexpr double kSmallestContourStep = 0.1;
 constexpr int kMapPictureWidth = 1200;
 constexpr int kMapPictureHeight = 600;
 
-bool parseType(const std::string& text, int& modelId, std::string& error)
+bool parseType(const std::string& text, HotModelId& modelId, std::string& error)
 {
     if (text == "162") {
         error = "option '--type': " + std::string(kModel162Refused);
         return false;
     }
     for (const HotTypeItem& item : hotTypeItems())
-        if (item.modelId != 0 && std::to_string(item.modelId) == text) {
-            modelId = item.modelId;
+        if (item.model && std::to_string(static_cast<int>(*item.model)) == text) {
+            modelId = *item.model;
             return true;
         }
     error = "option '--type': '" + text + "' is none of 16, 17, 161, 163 to 169, 1600, 50";
@@ -108,7 +109,7 @@ int runFitHot(const ParsedArguments& args)
     const std::string& materialPath = args.positionals[0];
     const std::string& curvesPath = *args.option("--curves");
     std::string error;
-    int modelId = 0;
+    HotModelId modelId = HotModelId::Type17;
     HotCsvOptions csvOptions;
     HotFitOptions fitOptions;
     GroupItems strainItems;
@@ -132,11 +133,12 @@ int runFitHot(const ParsedArguments& args)
     if (dataSet->strains.empty())
         return fail(fileMessage(curvesPath, "no strain above 0 that every curve reaches; give --strains"));
 
-    const std::shared_ptr<PLASTIC_HOT> model = createHotModel(modelId, *dataSet);
-    const auto* cells = dynamic_cast<const CellTableModel*>(model.get());
-    if (cells && !checkCells(*model, error))
+    const bool perCell = dynamic_cast<const CellTableModel*>(createHotModel(modelId).get()) != nullptr;
+    if (perCell && !checkCells(*dataSet, error))
         return fail(fileMessage(curvesPath, error));
-    const HotFitResult result = model->fit(fitOptions);
+    const HotFit fit = fitHotModel(*dataSet, modelId, fitOptions);
+    const HotFitResult& result = fit.result;
+    const auto* cells = dynamic_cast<const CellTableModel*>(fit.model.get());
     if (!result.fitted)
         return fail(fileMessage(curvesPath, result.message));
     // A cell without coefficients would be a hole in the library entry.
@@ -144,13 +146,14 @@ int runFitHot(const ParsedArguments& args)
         return fail(fileMessage(curvesPath, cells->unfittedCells().front()));
     warnAbout(result, curvesPath);
 
-    project.setModel(model);
+    project.setModel(fit.model);
     if (!saveMaterial(*args.option(kOutput), project, error))
         return fail(error);
     if (const std::string* library = args.option("--export")) {
         TextWriter out(TextEncoding::EightBit);
         if (!writeLibraryEntry(project, out))
-            warn(formatText("model %d has no library block; the entry's model section is empty", modelId));
+            warn(formatText("model %d has no library block; the entry's model section is empty",
+                            static_cast<int>(modelId)));
         if (!saveText(*library, out, error))
             return fail(error);
     }
@@ -182,18 +185,22 @@ int runProcessingMap(const ParsedArguments& args)
 
     // The material file keeps the data set, not the fitted law: the law is fitted
     // again (for a type without a law, the measured curves serve).
-    std::shared_ptr<PLASTIC_HOT> model = createHotModel(dataSet->modelNumber, *dataSet);
-    HotFitResult result;
-    if (model)
-        result = model->fit({});
-    if (!result.fitted)
+    std::shared_ptr<PLASTIC_HOT> model;
+    if (const auto id = hotModelIdOf(dataSet->modelNumber))
+        if (HotFit fit = fitHotModel(*dataSet, *id, {}); fit.result.fitted)
+            model = std::move(fit.model);
+    if (!model)
         model = std::make_shared<PLASTIC_HOT>(*dataSet);
-    const auto files = writeProcessingMapFiles(*model, static_cast<std::size_t>(strainIndex), contourStep, error);
+    const Environment environment = Environment::fromProcess();
+    const auto map = computeProcessingMap(*model, static_cast<std::size_t>(strainIndex), error);
+    const auto files
+        = map ? writeProcessingMapFiles(*map, 0, *model, contourStep, environment.exchangeFolder, error) : std::nullopt;
     if (!files)
         return fail(fileMessage(materialPath, error));
     std::string written = files->data.string() + "\n" + files->script.string() + "\n";
     if (png) {
-        if (!renderGnuplotPng(files->script, *png, kMapPictureWidth, kMapPictureHeight, error))
+        const PngRequest picture{{}, *png, kMapPictureWidth, kMapPictureHeight};
+        if (renderProcessingMapPng(*map, 0, *model, contourStep, picture, environment, {}, error) != RenderEnd::Drawn)
             return fail(fileMessage(*png, error));
         written += *png + "\n";
     }

@@ -66,7 +66,7 @@ void roundTripHot(std::string_view block, int major, int minor)
     FUZZ_CHECK(reread.strainRates.size() == hot.strainRates.size());
     FUZZ_CHECK(reread.temperatures.size() == hot.temperatures.size());
     FUZZ_CHECK(reread.strains.size() == hot.strains.size());
-    FUZZ_CHECK(reread.fourthValues.size() == hot.fourthValues.size());
+    FUZZ_CHECK(reread.auxiliaryValues.size() == hot.auxiliaryValues.size());
     for (std::size_t t = 0; t < hot.curves.size(); ++t)
         for (std::size_t r = 0; r < hot.curves[t].size(); ++r)
             FUZZ_CHECK(reread.curve(t, r).size() == hot.curve(t, r).size());

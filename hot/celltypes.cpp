@@ -27,17 +27,23 @@ double last(const std::vector<double>& list) { return list.empty() ? 0.0 : list.
 
 }  // namespace
 
-void CellTableModel::fillCellCoefficients()
+bool CellTableModel::fillCellCoefficients(const RunControl& control)
 {
     cellNotes_.clear();
     cellCoefficients.assign(temperatures.size(), std::vector<std::vector<double>>(strainRates.size()));
+    const std::size_t cells = temperatures.size() * strainRates.size();
+    std::size_t done = 0;
     for (std::size_t t = 0; t < temperatures.size(); ++t)
         for (std::size_t r = 0; r < strainRates.size(); ++r) {
+            if (control.stopRequested())
+                return false;
             cellCoefficients[t][r] = fitCurve(curve(t, r));
             if (cellCoefficients[t][r].empty())
                 cellNotes_.push_back(formatText("no fit at T = %g, strain rate = %g: %zu curve points", temperatures[t],
                                                 strainRates[r], curve(t, r).size()));
+            control.report(static_cast<int>(5 + 90 * ++done / cells));
         }
+    return true;
 }
 
 double CellTableModel::cellStress(std::size_t t, std::size_t r, double strain) const
@@ -53,23 +59,27 @@ double CellTableModel::evaluate(double strain, double strainRate, double tempera
                             [&](std::size_t t, std::size_t r) { return cellStress(t, r, strain); });
 }
 
-HotFitResult CellTableModel::fit(const HotFitOptions&, const HotProgress& progress)
+HotFit fitCellTable(std::shared_ptr<CellTableModel> model, const RunControl& control)
 {
-    recordFitRanges(*this);
-    if (progress)
-        progress(5);
-    fillCellCoefficients();
-    const HotStressTable table(*this);
-    HotFitResult result;
-    const FitError error = fitErrorOf(*this, table);
+    recordFitRanges(*model);
+    control.report(5);
+    if (!model->fillCellCoefficients(control))
+        return cancelledFit();
+    const HotStressTable table(*model);
+    HotFit fit;
+    HotFitResult& result = fit.result;
+    const FitError error = fitErrorOf(*model, table);
     describeTable(table, error, result);
-    result.notes.insert(result.notes.end(), cellNotes_.begin(), cellNotes_.end());
+    const std::vector<std::string>& unfitted = model->unfittedCells();
+    result.notes.insert(result.notes.end(), unfitted.begin(), unfitted.end());
     result.report = errorReport(error);
-    const std::vector<const char*> names = coefficientNames();
+    const std::vector<const char*> names = model->coefficientNames();
+    const std::vector<double>& temperatures = model->temperatures;
+    const std::vector<double>& strainRates = model->strainRates;
     for (std::size_t t = 0; t < temperatures.size(); ++t)
         for (std::size_t r = 0; r < strainRates.size(); ++r) {
             result.report += formatText(" T = %g R = %g", temperatures[t], strainRates[r]);
-            const std::vector<double>& c = cellCoefficients[t][r];
+            const std::vector<double>& c = model->cellCoefficients[t][r];
             if (c.empty())
                 result.report += ": no fit";
             for (std::size_t i = 0; i < c.size() && i < names.size(); ++i)
@@ -77,12 +87,12 @@ HotFitResult CellTableModel::fit(const HotFitOptions&, const HotProgress& progre
             result.report += "\n";
         }
     const std::size_t cells = temperatures.size() * strainRates.size();
-    result.fitted = cells > 0 && cellNotes_.size() < cells;
+    result.fitted = cells > 0 && unfitted.size() < cells;
     if (!result.fitted)
         result.message = "no cell has a curve that the law can be fitted to";
-    if (progress)
-        progress(100);
-    return result;
+    control.report(100);
+    fit.model = std::move(model);
+    return fit;
 }
 
 std::array<double, 2> CellTableModel::stressRange() const
@@ -153,13 +163,13 @@ FourCoefficientModel::FourCoefficientModel(int id, CellLaw law, bool hasOffset, 
         typeConstant1 = kDefaultCellStrainOffset;
 }
 
-void FourCoefficientModel::fillCellCoefficients()
+bool FourCoefficientModel::fillCellCoefficients(const RunControl& control)
 {
     if (hasCap_) {
         const double cap = strains.empty() ? 0.0 : *std::max_element(strains.begin(), strains.end());
         (hasOffset_ ? typeConstant2 : typeConstant1) = std::isfinite(cap) && cap > 0.0 ? cap : 0.0;
     }
-    CellTableModel::fillCellCoefficients();
+    return CellTableModel::fillCellCoefficients(control);
 }
 
 double FourCoefficientModel::lawStress(const std::vector<double>& c, double strain) const

@@ -15,15 +15,17 @@ namespace zelko {
 class CellTableModel : public PLASTIC_HOT {
 public:
     // Fits each cell's curve; a cell that can't be fitted keeps no coefficients.
-    void fillCellCoefficients() override;
+    // A stop ends it before the next cell (false).
+    bool fillCellCoefficients(const RunControl& control) override;
     // Interpolates the cells' laws (stresstable.h's interpolateCells).
     double evaluate(double strain, double strainRate, double temperature) const override;
-    HotFitResult fit(const HotFitOptions& options, const HotProgress& progress = {}) override;
 
     // What the last fill could not fit, a line a cell.
     const std::vector<std::string>& unfittedCells() const { return cellNotes_; }
     // One cell's stress at a strain; 0 for a cell without coefficients.
     double cellStress(std::size_t t, std::size_t r, double strain) const;
+    // The coefficients' names in the report.
+    virtual std::vector<const char*> coefficientNames() const = 0;
 
     std::vector<std::vector<std::vector<double>>> cellCoefficients;  // [temperature][strain rate]
 
@@ -31,7 +33,6 @@ protected:
     virtual double lawStress(const std::vector<double>& c, double strain) const = 0;
     // The cell's coefficients, empty when the curve can't give them.
     virtual std::vector<double> fitCurve(const HotCurve& curve) const = 0;
-    virtual std::vector<const char*> coefficientNames() const = 0;
     // The block's stress range: smallest and largest cellStress over every cell and
     // sample strain, starting from 1e8 and -1.
     std::array<double, 2> stressRange() const;
@@ -45,16 +46,20 @@ protected:
     std::vector<std::string> cellNotes_;  // cells the last fill could not fit
 };
 
+// The per-cell fit, on a new model of the type that holds a copy of the data set
+// (hotmodels.h's fitHotModel makes it). A stop ends it within one cell.
+HotFit fitCellTable(std::shared_ptr<CellTableModel> model, const RunControl& control);
+
 class PLASTIC_16 : public CellTableModel {
 public:
     PLASTIC_16() { modelNumber = 16; }
     std::shared_ptr<Plastic> clone() const override { return cloneAs<PLASTIC_16>(); }
     bool writeLibraryBlock(TextWriter& out, int version) const override;
+    std::vector<const char*> coefficientNames() const override { return {"K", "n"}; }
 
 protected:
     double lawStress(const std::vector<double>& c, double strain) const override;
     std::vector<double> fitCurve(const HotCurve& curve) const override;
-    std::vector<const char*> coefficientNames() const override { return {"K", "n"}; }
 };
 
 // The strain offset of the types with an offset constant: keeps x^C2 finite at zero strain.
@@ -69,7 +74,8 @@ inline constexpr double kDefaultCellStrainOffset = 0.01;
 class FourCoefficientModel : public CellTableModel {
 public:
     bool writeLibraryBlock(TextWriter& out, int version) const override;
-    void fillCellCoefficients() override;
+    bool fillCellCoefficients(const RunControl& control) override;
+    std::vector<const char*> coefficientNames() const override { return {"C1", "C2", "C3", "C4"}; }
 
     double strainOffset() const { return hasOffset_ ? typeConstant1 : 0.0; }
     double strainCap() const { return hasCap_ ? (hasOffset_ ? typeConstant2 : typeConstant1) : 0.0; }
@@ -82,7 +88,6 @@ protected:
 
     double lawStress(const std::vector<double>& c, double strain) const override;
     std::vector<double> fitCurve(const HotCurve& curve) const override;
-    std::vector<const char*> coefficientNames() const override { return {"C1", "C2", "C3", "C4"}; }
 
 private:
     CellLaw law_;

@@ -1,42 +1,17 @@
 #include "hot/gnuplot.h"
 
-#include <cstdlib>
 #include <system_error>
+#include <vector>
 
 #include "base/exchangefolder.h"
 #include "base/fileio.h"
+#include "base/process.h"
 #include "base/textfile.h"
-
-#ifndef _WIN32
-#include <sys/wait.h>
-#endif
+#include "hot/plastic_hot.h"
 
 namespace zelko {
 
 namespace {
-
-// For the command line of std::system: each argument quoted whole.
-std::string shellQuoted(const std::string& text)
-{
-#ifdef _WIN32
-    return "\"" + text + "\"";
-#else
-    std::string out = "'";
-    for (const char c : text)
-        out += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    return out + "'";
-#endif
-}
-
-// The exit status of the command, -1 when it did not exit normally.
-int exitStatus(int raw)
-{
-#ifdef _WIN32
-    return raw;
-#else
-    return raw != -1 && WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-#endif
-}
 
 // gnuplot's complaint is its last line ("line 12: undefined variable: x").
 std::string lastLine(const std::string& text)
@@ -50,14 +25,17 @@ std::string lastLine(const std::string& text)
     return {};
 }
 
-}  // namespace
+// Removes the file when the render ends, however it ends.
+struct ScratchFile {
+    std::filesystem::path path;
+    ~ScratchFile()
+    {
+        std::error_code ignored;
+        std::filesystem::remove(path, ignored);
+    }
+};
 
-std::string gnuplotProgram()
-{
-    if (const char* configured = std::getenv("ZELKO_GNUPLOT"); configured && *configured)
-        return configured;
-    return "gnuplot";
-}
+}  // namespace
 
 std::string gnuplotQuoted(std::string_view text)
 {
@@ -67,46 +45,53 @@ std::string gnuplotQuoted(std::string_view text)
     return out + "'";
 }
 
-bool renderGnuplotPng(const std::filesystem::path& script, const std::filesystem::path& png, int width, int height,
-                      std::string& error)
+RenderEnd renderGnuplotPng(const PngRequest& request, const Environment& environment, const RunControl& control,
+                           std::string& error)
 {
-    if (!ensureExchangeFolder(error))
-        return false;
-    const std::filesystem::path folder = exchangeFolder();
-    const std::filesystem::path commands = folder / "gnuplot_render.txt";
-    const std::filesystem::path picture = folder / "gnuplot_render.png";
-    const std::filesystem::path log = folder / "gnuplot_render.log";
-    TextWriter out(TextEncoding::EightBit);
-    out.format("set terminal pngcairo size %d,%d\n", width, height);
-    out.put(std::string_view("set output " + gnuplotQuoted(picture.string()) + "\n"));
-    out.put(std::string_view("load " + gnuplotQuoted(script.string()) + "\n"));
-    out.put(std::string_view("unset output\n"));
-    std::error_code ignored;
-    std::filesystem::remove(picture, ignored);
-    if (!saveFileAtomically(commands, out.bytes(), error))
-        return false;
-    const std::string program = gnuplotProgram();
-    const std::string command
-        = shellQuoted(program) + " " + shellQuoted(commands.string()) + " >" + shellQuoted(log.string()) + " 2>&1";
-    const int status = exitStatus(std::system(command.c_str()));
+    if (!ensureFolder(environment.exchangeFolder, error))
+        return RenderEnd::Failed;
+    const ScratchFile picture{environment.exchangeFolder / ("gnuplot_render-" + uniqueTag() + ".png")};
+    const std::string commands = formatText("set terminal pngcairo size %d,%d\n", request.width, request.height)
+                                 + "set output " + gnuplotQuoted(picture.path.string()) + "\n"
+                                 + "load " + gnuplotQuoted(request.script.string()) + "\n" + "unset output\n";
+
+    ProcessRequest run;
+    run.program = environment.gnuplotProgram;
+    run.input = commands;
+    run.timeLimit = request.timeLimit;
+    const ProcessResult result = runProcess(run, control.stop);
+    switch (result.end) {
+    case ProcessEnd::NotStarted:
+        error = "gnuplot not found ('" + run.program + "'): install gnuplot or set ZELKO_GNUPLOT to its path";
+        if (result.error != "not found")
+            error = "gnuplot could not be started ('" + run.program + "'): " + result.error;
+        return RenderEnd::Failed;
+    case ProcessEnd::TimedOut:
+        error = formatText("gnuplot did not finish within %g s and was stopped",
+                           static_cast<double>(request.timeLimit.count()) / 1000.0);
+        return RenderEnd::TimedOut;
+    case ProcessEnd::Stopped:
+        error = std::string(kRunCancelled);
+        return RenderEnd::Cancelled;
+    case ProcessEnd::Crashed:
+        error = "gnuplot crashed";
+        return RenderEnd::Failed;
+    case ProcessEnd::Exited:
+        break;
+    }
+    if (result.exitCode != 0) {
+        const std::string complaint = lastLine(result.errorOutput.empty() ? result.output : result.errorOutput);
+        error = "gnuplot failed"
+                + (complaint.empty() ? formatText(" (exit status %d)", result.exitCode) : ": " + complaint);
+        return RenderEnd::Failed;
+    }
     std::string reason;
-    const std::string output = readFileBytes(log, reason).value_or(std::string());
-    if (status == 127) {
-        error = "gnuplot not found ('" + program + "'): install gnuplot or set ZELKO_GNUPLOT to its path";
-        return false;
-    }
-    if (status != 0) {
-        const std::string complaint = lastLine(output);
-        error = "gnuplot failed" + (complaint.empty() ? formatText(" (exit status %d)", status) : ": " + complaint);
-        return false;
-    }
-    const auto bytes = readFileBytes(picture, reason);
+    const auto bytes = readFileBytes(picture.path, reason);
     if (!bytes || bytes->empty()) {
         error = "gnuplot wrote no picture";
-        return false;
+        return RenderEnd::Failed;
     }
-    std::filesystem::remove(picture, ignored);
-    return saveFileAtomically(png, *bytes, error);
+    return saveFileAtomically(request.png, *bytes, error) ? RenderEnd::Drawn : RenderEnd::Failed;
 }
 
 }  // namespace zelko

@@ -94,7 +94,7 @@ std::vector<double> groupValues(const GroupItems& items)
     return values;
 }
 
-std::string_view applyGroups(PLASTIC_HOT& dataSet, const GroupItems& strainRates, const GroupItems& temperatures,
+std::string_view applyGroups(HotDataSet& dataSet, const GroupItems& strainRates, const GroupItems& temperatures,
                              const GroupItems& strains)
 {
     if (strainRates.size() < 2)
@@ -160,8 +160,6 @@ bool acceptRawPoint(HotCurvePoint& point, const RawCurveLayout& layout, double s
     return true;
 }
 
-std::filesystem::path rawCurveFilePath() { return exchangeFolder() / "tmp.txt"; }
-
 std::string rawCurveFileBytes(std::u16string_view editText)
 {
     // The edit's "\r\n" is the file's line end; the writer adds the "\r" back.
@@ -204,7 +202,7 @@ std::vector<HotCurve> readMultiCurve(std::string_view fileBytes, const RawCurveL
     return curves;
 }
 
-bool importRawCurves(PLASTIC_HOT& dataSet, std::string_view fileBytes, const CurveSelection& selection,
+bool importRawCurves(HotDataSet& dataSet, std::string_view fileBytes, const CurveSelection& selection,
                      const RawCurveLayout& layout, double strainOffset)
 {
     const std::size_t rates = selection.strainRates.size();
@@ -231,18 +229,20 @@ bool importRawCurves(PLASTIC_HOT& dataSet, std::string_view fileBytes, const Cur
     return true;
 }
 
-std::string_view importRawText(PLASTIC_HOT& dataSet, std::u16string_view editText, const CurveSelection& selection,
-                               const RawCurveLayout& layout, double strainOffset)
+std::string_view writeRawCurveFile(std::u16string_view editText, const std::filesystem::path& folder)
 {
     std::string error;
-    if (!ensureExchangeFolder(error))
+    if (!ensureFolder(folder, error))
         return kNoExchangeFolder;
-    const std::string bytes = rawCurveFileBytes(editText);
-    if (!saveFileAtomically(rawCurveFilePath(), bytes, error))
+    if (!saveFileAtomically(folder / kRawCurveFileName, rawCurveFileBytes(editText), error))
         return kRawFileNotSaved;
-    const auto readBack = readFileBytes(rawCurveFilePath(), error);
-    importRawCurves(dataSet, readBack ? *readBack : std::string(), selection, layout, strainOffset);
     return {};
+}
+
+bool importRawText(HotDataSet& dataSet, std::u16string_view editText, const CurveSelection& selection,
+                   const RawCurveLayout& layout, double strainOffset)
+{
+    return importRawCurves(dataSet, rawCurveFileBytes(editText), selection, layout, strainOffset);
 }
 
 }  // namespace zelko

@@ -1,7 +1,7 @@
 #pragma once
 // Editing the hot data set as its screen does: the three value groups, the
-// grid they span, a curve shown as text, and raw curve text imported through the
-// exchange file. The screen calls these and shows the messages they return.
+// grid they span, a curve shown as text, and raw curve text imported as the
+// exchange file holds it. The screen calls these and shows the messages they return.
 
 #include <array>
 #include <cstddef>
@@ -38,7 +38,7 @@ std::vector<double> groupValues(const GroupItems& items);
 
 // Rebuilds the grid from the lists; a curve stays where its temperature and rate
 // (by their "%g" texts) are still listed. The refusal message, or empty.
-std::string_view applyGroups(PLASTIC_HOT& dataSet, const GroupItems& strainRates, const GroupItems& temperatures,
+std::string_view applyGroups(HotDataSet& dataSet, const GroupItems& strainRates, const GroupItems& temperatures,
                              const GroupItems& strains);
 
 // The cell's curve as the raw-text edit shows it, one "\r\n"-ended line a point.
@@ -61,10 +61,14 @@ struct RawCurveLayout {
 // finite, or engineering strains of 1 or more, are dropped too.
 bool acceptRawPoint(HotCurvePoint& point, const RawCurveLayout& layout, double strainOffset, double& maxStress);
 
-// The raw-curve exchange file "tmp.txt" in the exchange folder.
-std::filesystem::path rawCurveFilePath();
+// The raw-curve exchange file in the exchange folder.
+inline constexpr std::string_view kRawCurveFileName = "tmp.txt";
 // Its bytes: byte-order mark and the edit's text as UTF-16LE (line ends "\r\n").
 std::string rawCurveFileBytes(std::u16string_view editText);
+// The screen's step before an import: writes the exchange file into the folder
+// (made when missing). The message box text on failure (the import is then not
+// made), else empty.
+std::string_view writeRawCurveFile(std::u16string_view editText, const std::filesystem::path& folder);
 
 // The single-curve reader over the exchange file's bytes.
 HotCurve readSingleCurve(std::string_view fileBytes, const RawCurveLayout& layout, double strainOffset,
@@ -83,12 +87,12 @@ struct CurveSelection {
 // Reads the exchange file's bytes into the selected cells: one rate and one
 // temperature take a single curve, several of one of them with one of the other
 // take a curve per column. False when the selection imports nothing.
-bool importRawCurves(PLASTIC_HOT& dataSet, std::string_view fileBytes, const CurveSelection& selection,
+bool importRawCurves(HotDataSet& dataSet, std::string_view fileBytes, const CurveSelection& selection,
                      const RawCurveLayout& layout, double strainOffset);
 
-// The screen's import: writes the edit's text to the exchange file and reads it
-// back. The message box text on failure, else empty.
-std::string_view importRawText(PLASTIC_HOT& dataSet, std::u16string_view editText, const CurveSelection& selection,
-                               const RawCurveLayout& layout, double strainOffset);
+// The screen's import of the edit's text, read as its exchange file reads; no
+// file is involved. False when the selection imports nothing.
+bool importRawText(HotDataSet& dataSet, std::u16string_view editText, const CurveSelection& selection,
+                   const RawCurveLayout& layout, double strainOffset);
 
 }  // namespace zelko

@@ -236,54 +236,67 @@ HenselSpittelParameters henselSpittelStart(const PLASTIC_HOT& dataSet, const Hot
     return p;
 }
 
-HotFitResult PLASTIC_17::fit(const HotFitOptions& options, const HotProgress& progress)
+namespace {
+
+std::string stopReasonOf(DescentStop stop)
 {
-    recordFitRanges(*this);
-    const HotStressTable table(*this);
-    HotFitResult result;
-    unsigned switches = options.parameterSwitches;
-    const auto report = [&](int percent) {
-        if (progress)
-            progress(percent);
-    };
-    if (table.usableCount() == 0) {
-        report(100);
-        result.message = "no stress to fit: no curve gives a stress above 0 at a sample strain above 0";
-        return result;
+    switch (stop) {
+    case DescentStop::IterationLimit: return "iteration limit reached";
+    case DescentStop::NonFiniteParameter: return "a trial parameter was not finite";
+    case DescentStop::StepTooSmall: return "step below 1e-8 without improvement";
+    case DescentStop::FlatGradient: return "no gradient to follow";
+    case DescentStop::Cancelled: return std::string(kRunCancelled);
     }
+    return {};
+}
+
+}  // namespace
+
+HotFit fitHenselSpittel(const HotDataSet& dataSet, const HotFitOptions& options, const RunControl& control)
+{
+    HotFit fit;
+    const auto model = newHotModel<PLASTIC_17>(dataSet);
+    recordFitRanges(*model);
+    fit.model = model;
+    const HotStressTable table(dataSet);
+    HotFitResult& result = fit.result;
+    unsigned switches = options.parameterSwitches;
+    if (table.usableCount() == 0) {
+        control.report(100);
+        result.message = "no stress to fit: no curve gives a stress above 0 at a sample strain above 0";
+        return fit;
+    }
+    const std::vector<double>& temperatures = dataSet.temperatures;
     if (!temperatures.empty() && !(temperatures.front() > 0.0) && !switchedOff(switches, M9)) {
         switches |= 1u << M9;
         result.notes.push_back("m9 held at 0: T^m9 needs temperatures above 0");
     }
-    HenselSpittelObjective objective(*this, table, options.rateWeights, switches);
-    HenselSpittelParameters best = henselSpittelStart(*this, table, switches, objective);
+    HenselSpittelObjective objective(dataSet, table, options.rateWeights, switches);
+    HenselSpittelParameters best = henselSpittelStart(dataSet, table, switches, objective);
     objective.setStartM1(best[M1]);
 
     DescentSettings settings;
     settings.maxIterations = options.maxIterations;
     settings.initialStep = options.initialStep;
     settings.fixedMask = switches | (1u << M6);
-    const DescentOutcome outcome = steepestDescent(objective, best, settings, report);
-    parameters = best;
+    const DescentOutcome outcome = steepestDescent(objective, best, settings, control);
+    if (outcome.stop == DescentStop::Cancelled)
+        return cancelledFit();
+    model->parameters = best;
 
     result.fitted = true;
     result.iterations = outcome.iterations;
     result.evaluations = outcome.evaluations;
     result.stoppedEarly = outcome.stop != DescentStop::IterationLimit;
-    switch (outcome.stop) {
-    case DescentStop::IterationLimit: result.stopReason = "iteration limit reached"; break;
-    case DescentStop::NonFiniteParameter: result.stopReason = "a trial parameter was not finite"; break;
-    case DescentStop::StepTooSmall: result.stopReason = "step below 1e-8 without improvement"; break;
-    case DescentStop::FlatGradient: result.stopReason = "no gradient to follow"; break;
-    }
-    const FitError error = fitErrorOf(*this, table);
+    result.stopReason = stopReasonOf(outcome.stop);
+    const FitError error = fitErrorOf(*model, table);
     describeTable(table, error, result);
     result.report = errorReport(error);
     const char* const names[] = {"A", "m1", "m2", "m3", "m4", "m5", "m6", "m7", "m8", "m9"};
     for (int i = A; i <= M9; ++i)
         if (i != M6)
-            result.report += formatText(" %s = %g\n", names[i], parameters[i]);
-    return result;
+            result.report += formatText(" %s = %g\n", names[i], best[i]);
+    return fit;
 }
 
 double PLASTIC_17::evaluate(double strain, double strainRate, double temperature) const
@@ -294,8 +307,8 @@ double PLASTIC_17::evaluate(double strain, double strainRate, double temperature
 bool PLASTIC_17::writeLibraryBlock(TextWriter& out, int /*version*/) const
 {
     out.format("%8d\n", modelNumber);
-    out.format("%24.4E %15.4E %15.4E %15.4E %15.4E %15.4E\n", maxStress, 10000.0, strainMin, strainMax, secondMin,
-               secondMax);
+    out.format("%24.4E %15.4E %15.4E %15.4E %15.4E %15.4E\n", maxStress, 10000.0, strainMin, strainMax, auxiliaryMin,
+               auxiliaryMax);
     out.format("%24.4E %15.4E %15.4E %15.4E\n", 0.0, 0.0, 0.0, 0.0);
     const HenselSpittelParameters& p = parameters;
     out.format("%24.4E %15.4E %15.4E %15.4E %15.4E %15.4E %15.4E %15.4E %15.4E\n", p[A], p[M1], p[M2], p[M3], p[M4],

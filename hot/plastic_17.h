@@ -23,8 +23,11 @@ public:
 
     bool writeLibraryBlock(TextWriter& out, int version) const override;
     double evaluate(double strain, double strainRate, double temperature) const override;
-    HotFitResult fit(const HotFitOptions& options, const HotProgress& progress = {}) override;
 };
+
+// The Hensel-Spittel fit: a new model 17 with the parameters of the descent from
+// logarithmic starting values. A stop ends it within one descent iteration.
+HotFit fitHenselSpittel(const HotDataSet& dataSet, const HotFitOptions& options, const RunControl& control);
 
 // σ = A·e^(m1·T)·ε^m2·ε̇^m3·e^(m4/ε)·(1+ε)^m5·e^(m7·ε)·ε̇^(m8·T)·T^m9, and 0 where the
 // law has no finite value (strain or rate not above 0, T^m9 of a T not above 0).

@@ -23,6 +23,14 @@ void readList(TextReader& in, int count, std::vector<double>& values)
 
 }  // namespace
 
+HotFit cancelledFit()
+{
+    HotFit fit;
+    fit.cancelled = true;
+    fit.result.message = std::string(kRunCancelled);
+    return fit;
+}
+
 const HotCurve& PLASTIC_HOT::curve(std::size_t temperatureIndex, std::size_t rateIndex) const
 {
     static const HotCurve kEmpty;
@@ -42,11 +50,11 @@ void PLASTIC_HOT::writeMaterialBlock(TextWriter& out, int /*major*/, int minor) 
     if (minor >= 2)
         out.format("%8d\n", hasIndexColumn ? 1 : 0);
     out.format("%8zd %8zd %8zd %8zd\n", strainRates.size(), temperatures.size(), strains.size(),
-               fourthValues.size());
+               auxiliaryValues.size());
     writeList(out, strainRates);
     writeList(out, temperatures);
     writeList(out, strains);
-    writeList(out, fourthValues);
+    writeList(out, auxiliaryValues);
     for (std::size_t r = 0; r < strainRates.size(); ++r) {
         for (std::size_t t = 0; t < temperatures.size(); ++t) {
             out.format("\tstrain-rate: %17.4E\ttemperature: %17.4E\n", strainRates[r], temperatures[t]);
@@ -65,13 +73,13 @@ void PLASTIC_HOT::readMaterialBlock(TextReader& in, int /*major*/, int minor)
         if (in.scanInt(indexColumn))
             hasIndexColumn = indexColumn != 0;
     }
-    int rateCount = 0, temperatureCount = 0, strainCount = 0, fourthCount = 0;
+    int rateCount = 0, temperatureCount = 0, strainCount = 0, auxiliaryCount = 0;
     if (in.scanInt(rateCount) && in.scanInt(temperatureCount) && in.scanInt(strainCount))
-        in.scanInt(fourthCount);
+        in.scanInt(auxiliaryCount);
     readList(in, rateCount, strainRates);
     readList(in, temperatureCount, temperatures);
     readList(in, strainCount, strains);
-    readList(in, fourthCount, fourthValues);
+    readList(in, auxiliaryCount, auxiliaryValues);
 
     curves.clear();
     const std::size_t cells = temperatures.size() * strainRates.size();
@@ -83,7 +91,7 @@ void PLASTIC_HOT::readMaterialBlock(TextReader& in, int /*major*/, int minor)
         strainRates.clear();
         temperatures.clear();
         strains.clear();
-        fourthValues.clear();
+        auxiliaryValues.clear();
         return;
     }
     curves.assign(temperatures.size(), std::vector<HotCurve>(strainRates.size()));

@@ -2,10 +2,12 @@
 // The hot-compression data set and base of the hot model types.
 
 #include <array>
-#include <functional>
+#include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "base/runcontrol.h"
 #include "models/plastic.h"
 
 namespace zelko {
@@ -20,9 +22,6 @@ struct HotCurvePoint {
 using HotCurve = std::vector<HotCurvePoint>;
 
 enum HenselSpittelParameter { A = 0, M1, M2, M3, M4, M5, M6, M7, M8, M9, kHenselSpittelParameterCount };
-
-// Progress of a fit, 0 to 100.
-using HotProgress = std::function<void(int percent)>;
 
 inline constexpr int kDefaultHotIterations = 10000;
 // The length of the Hensel-Spittel descent's first trial move (unless 1/|gradient|
@@ -51,6 +50,9 @@ struct HotFitResult {
     std::vector<std::string> notes;  // what was left out and why
 };
 
+// What a stopped fit or map says.
+inline constexpr std::string_view kRunCancelled = "cancelled";
+
 class PLASTIC_HOT : public Plastic {
 public:
     PLASTIC_HOT() { modelKind = HotModel; }
@@ -58,13 +60,12 @@ public:
 
     void readMaterialBlock(TextReader& in, int major, int minor) override;
     void writeMaterialBlock(TextWriter& out, int major, int minor) const override;
-    // The type's own step after a fit (its coefficient table); nothing here.
-    virtual void fillCellCoefficients() {}
+    // The type's own step of a fit (its coefficient table), on the new model the
+    // fit builds; false when a stop was requested. Nothing here.
+    virtual bool fillCellCoefficients(const RunControl& /*control*/) { return true; }
     // Flow stress (MPa) at a strain, strain rate (1/s) and temperature. The data
     // set alone interpolates its measured curves; each type evaluates its law.
     virtual double evaluate(double strain, double strainRate, double temperature) const;
-    // Fits the type to the data set; the data set alone has nothing to fit.
-    virtual HotFitResult fit(const HotFitOptions& options, const HotProgress& progress = {});
 
     // The material reader's three-column flag is the hot flag of the block.
     bool hasThreeColumns() const { return hotFlag; }
@@ -76,17 +77,42 @@ public:
     std::vector<double> strainRates;   // ascending, 1/s
     std::vector<double> temperatures;  // ascending
     std::vector<double> strains;       // ascending sample strains
-    std::vector<double> fourthValues;  // the fourth ascending list of the screen
+    std::vector<double> auxiliaryValues;  // the screen's fourth ascending list
     std::vector<std::vector<HotCurve>> curves;  // [temperature][strain rate]
     bool hasIndexColumn = false;
     bool hotFlag = false;
+    // Recorded by a fit for the library block: the sample strains' range, and the
+    // range of the auxiliary list (of the temperatures while it is empty).
     double strainMin = 0.0;
     double strainMax = 0.0;
-    double secondMin = 0.0;
-    double secondMax = 0.0;
+    double auxiliaryMin = 0.0;
+    double auxiliaryMax = 0.0;
     double maxStress = 0.0;
     double strainOffset = 0.0;
     std::array<double, kHenselSpittelParameterCount> parameters{};  // A, m1 .. m9
 };
+
+// The data a fit reads: the lists and curves of a hot model, of whatever type.
+using HotDataSet = PLASTIC_HOT;
+
+// A fit's outcome: a new model (the data set's copy with the fitted law) and its
+// report. No model when the fit was stopped, or for an id with no class.
+struct HotFit {
+    std::shared_ptr<PLASTIC_HOT> model;
+    HotFitResult result;
+    bool cancelled = false;
+};
+HotFit cancelledFit();
+
+// A new model of the type holding a copy of the data set.
+template <class Model>
+std::shared_ptr<Model> newHotModel(const HotDataSet& dataSet)
+{
+    auto model = std::make_shared<Model>();
+    const int number = model->modelNumber;
+    static_cast<PLASTIC_HOT&>(*model) = dataSet;
+    model->modelNumber = number;
+    return model;
+}
 
 }  // namespace zelko

@@ -4,12 +4,12 @@
 #include <cmath>
 #include <memory>
 
-#include "hot/gnuplot.h"
-#include "hot/stresstable.h"
-#include "numerics/vectormath.h"
 #include "base/exchangefolder.h"
 #include "base/fileio.h"
 #include "base/numbers.h"
+#include "base/process.h"
+#include "hot/stresstable.h"
+#include "numerics/vectormath.h"
 
 namespace zelko {
 
@@ -51,7 +51,7 @@ void appendFixed10(std::string& line, double value)
 }
 
 std::optional<ProcessingMap> computeProcessingMap(const PLASTIC_HOT& model, std::optional<std::size_t> onlyStrain,
-                                                  std::string& error)
+                                                  std::string& error, const RunControl& control)
 {
     const std::vector<double>& T = model.temperatures;
     const std::vector<double>& R = model.strainRates;
@@ -92,13 +92,20 @@ std::optional<ProcessingMap> computeProcessingMap(const PLASTIC_HOT& model, std:
     map.stress_ = std::make_unique_for_overwrite<double[]>(entries);
     map.efficiency_ = std::make_unique_for_overwrite<double[]>(entries);
     map.flag_ = std::make_unique_for_overwrite<signed char[]>(entries);
-    if (entries == 0)
+    if (entries == 0) {
+        control.report(100);
         return map;
+    }
 
     // The model at the test temperatures only ([rate node][test temperature][strain]);
     // the nodes between are linear in temperature.
     std::vector<double> atTest(NR * T.size() * NS);
     for (std::size_t j = 0; j < NR; ++j) {
+        if (control.stopRequested()) {
+            error = std::string(kRunCancelled);
+            return std::nullopt;
+        }
+        control.report(static_cast<int>(j * kEvaluationPercent / NR));
         const double rate = std::pow(10.0, map.logRates[j]);
         for (std::size_t a = 0; a < T.size(); ++a)
             for (std::size_t k = 0; k < NS; ++k)
@@ -180,6 +187,7 @@ std::optional<ProcessingMap> computeProcessingMap(const PLASTIC_HOT& model, std:
             mj[e] = std::isfinite(eta) ? eta : 0.0;
         }
     }
+    control.report(100);
     return map;
 }
 
@@ -249,22 +257,52 @@ TextWriter processingMapScript(const PLASTIC_HOT& dataSet, double contourStep, c
     return out;
 }
 
-std::optional<ProcessingMapFiles> writeProcessingMapFiles(const PLASTIC_HOT& model, std::size_t strainIndex,
-                                                          double contourStep, std::string& error)
+namespace {
+
+// Both files, in a folder made when missing.
+bool writeMapFiles(const ProcessingMap& map, std::size_t k, const PLASTIC_HOT& dataSet, double contourStep,
+                   const ProcessingMapFiles& files, std::string& error)
 {
-    if (model.strains.empty()) {
-        error = "no sample strains";
-        return std::nullopt;
+    if (k >= map.strains.size()) {
+        error = map.strains.empty() ? "no sample strains" : "no such sample strain";
+        return false;
     }
-    const std::optional<ProcessingMap> map = computeProcessingMap(model, strainIndex, error);
-    if (!map || !ensureExchangeFolder(error))
-        return std::nullopt;
-    ProcessingMapFiles files{exchangeFolder() / "processing_map.dat", exchangeFolder() / "processing_map.txt"};
-    if (!saveFileAtomically(files.data, processingMapData(*map, 0).bytes(), error)
-        || !saveFileAtomically(files.script, processingMapScript(model, contourStep, files.data.string()).bytes(),
-                               error))
+    return ensureFolder(files.data.parent_path(), error) && saveFileAtomically(files.data, processingMapData(map, k).bytes(), error)
+           && saveFileAtomically(files.script, processingMapScript(dataSet, contourStep, files.data.string()).bytes(),
+                                 error);
+}
+
+}  // namespace
+
+std::optional<ProcessingMapFiles> writeProcessingMapFiles(const ProcessingMap& map, std::size_t k,
+                                                          const PLASTIC_HOT& dataSet, double contourStep,
+                                                          const std::filesystem::path& folder, std::string& error)
+{
+    const ProcessingMapFiles files{folder / "processing_map.dat", folder / "processing_map.txt"};
+    if (!writeMapFiles(map, k, dataSet, contourStep, files, error))
         return std::nullopt;
     return files;
+}
+
+RenderEnd renderProcessingMapPng(const ProcessingMap& map, std::size_t k, const PLASTIC_HOT& dataSet,
+                                 double contourStep, const PngRequest& picture, const Environment& environment,
+                                 const RunControl& control, std::string& error)
+{
+    // Its own data file and script: another map drawn meanwhile in the same
+    // folder writes the described files again.
+    const std::string stem = "processing_map-" + uniqueTag();
+    const ProcessingMapFiles files{environment.exchangeFolder / (stem + ".dat"),
+                                   environment.exchangeFolder / (stem + ".txt")};
+    RenderEnd end = RenderEnd::Failed;
+    if (writeMapFiles(map, k, dataSet, contourStep, files, error)) {
+        PngRequest request = picture;
+        request.script = files.script;
+        end = renderGnuplotPng(request, environment, control, error);
+    }
+    std::error_code ignored;
+    std::filesystem::remove(files.data, ignored);
+    std::filesystem::remove(files.script, ignored);
+    return end;
 }
 
 }  // namespace zelko

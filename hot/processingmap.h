@@ -1,7 +1,7 @@
 #pragma once
 // The processing map: strain-rate sensitivity m, power-dissipation efficiency η
 // and the instability flag on a fine temperature × log strain-rate grid, from a
-// hot model; its data file and gnuplot script in the exchange folder.
+// hot model; its data file and gnuplot script, and its picture.
 
 #include <cstddef>
 #include <filesystem>
@@ -10,6 +10,9 @@
 #include <string>
 #include <vector>
 
+#include "base/environment.h"
+#include "base/runcontrol.h"
+#include "hot/gnuplot.h"
 #include "hot/plastic_hot.h"
 
 namespace zelko {
@@ -20,6 +23,9 @@ inline constexpr int kMapNodesPerInterval = 50;
 inline constexpr std::size_t kMaxProcessingMapEntries = 12'000'000;
 
 enum MapFlag : signed char { kStable = 1, kNoSensitivity = -1, kUnstable = -2 };
+
+// The model's evaluation takes nearly all of a map's time: its share of the progress.
+inline constexpr int kEvaluationPercent = 90;
 
 class ProcessingMap {
 public:
@@ -39,7 +45,7 @@ public:
 
 private:
     friend std::optional<ProcessingMap> computeProcessingMap(const PLASTIC_HOT&, std::optional<std::size_t>,
-                                                             std::string&);
+                                                             std::string&, const RunControl&);
     std::size_t index(std::size_t j, std::size_t i, std::size_t k) const
     {
         return (j * temperatures.size() + i) * strains.size() + k;
@@ -52,9 +58,10 @@ private:
 // The map at every sample strain, or at the one given. The stress of a node is
 // the model's at the node's rate for the two test temperatures around it,
 // linear in temperature between them. Where a stress is not above 0, m is 0.
-// Nothing, with a reason, for rates not above 0 or a grid too large.
+// Nothing, with a reason, for rates not above 0 or a grid too large, and with
+// kRunCancelled on a stop, which ends it within one rate node.
 std::optional<ProcessingMap> computeProcessingMap(const PLASTIC_HOT& model, std::optional<std::size_t> onlyStrain,
-                                                  std::string& error);
+                                                  std::string& error, const RunControl& control = {});
 
 // printf's "%10.4f", appended; the data file has half a million lines of it.
 void appendFixed10(std::string& line, double value);
@@ -70,9 +77,18 @@ struct ProcessingMapFiles {
     std::filesystem::path data;
     std::filesystem::path script;
 };
-// Both files in the exchange folder for the sample strain strainIndex; an
-// empty strain list writes nothing. Nothing, with a reason, on failure.
-std::optional<ProcessingMapFiles> writeProcessingMapFiles(const PLASTIC_HOT& model, std::size_t strainIndex,
-                                                          double contourStep, std::string& error);
+// "processing_map.dat" and "processing_map.txt" in the folder (made when
+// missing) for the map's strain k; the script's ranges come from the data set's
+// lists. Nothing, with a reason, on failure or for a map without strains.
+std::optional<ProcessingMapFiles> writeProcessingMapFiles(const ProcessingMap& map, std::size_t k,
+                                                          const PLASTIC_HOT& dataSet, double contourStep,
+                                                          const std::filesystem::path& folder, std::string& error);
+
+// Draws the map's strain k with gnuplot into picture.png (picture.script is not
+// used): from a data file and script of its own in the exchange folder, removed
+// afterwards, so maps drawn at once never read each other's.
+RenderEnd renderProcessingMapPng(const ProcessingMap& map, std::size_t k, const PLASTIC_HOT& dataSet,
+                                 double contourStep, const PngRequest& picture, const Environment& environment,
+                                 const RunControl& control, std::string& error);
 
 }  // namespace zelko

@@ -187,18 +187,19 @@ FitError fitErrorOf(const PLASTIC_HOT& model, const HotStressTable& table)
     return error;
 }
 
-void recordFitRanges(PLASTIC_HOT& dataSet)
+void recordFitRanges(PLASTIC_HOT& model)
 {
-    dataSet.strainMin = dataSet.strains.empty() ? 0.0 : *std::min_element(dataSet.strains.begin(), dataSet.strains.end());
-    dataSet.strainMax = dataSet.strains.empty() ? 0.0 : *std::max_element(dataSet.strains.begin(), dataSet.strains.end());
-    const std::vector<double>& second = dataSet.fourthValues.empty() ? dataSet.temperatures : dataSet.fourthValues;
-    dataSet.secondMin = second.empty() ? 0.0 : *std::min_element(second.begin(), second.end());
-    dataSet.secondMax = second.empty() ? 0.0 : *std::max_element(second.begin(), second.end());
-    for (const auto& row : dataSet.curves)
+    model.strainMin = model.strains.empty() ? 0.0 : *std::min_element(model.strains.begin(), model.strains.end());
+    model.strainMax = model.strains.empty() ? 0.0 : *std::max_element(model.strains.begin(), model.strains.end());
+    const std::vector<double>& auxiliary
+        = model.auxiliaryValues.empty() ? model.temperatures : model.auxiliaryValues;
+    model.auxiliaryMin = auxiliary.empty() ? 0.0 : *std::min_element(auxiliary.begin(), auxiliary.end());
+    model.auxiliaryMax = auxiliary.empty() ? 0.0 : *std::max_element(auxiliary.begin(), auxiliary.end());
+    for (const auto& row : model.curves)
         for (const HotCurve& curve : row)
             for (const HotCurvePoint& p : curve)
                 if (std::isfinite(p.stress))
-                    dataSet.maxStress = std::max(dataSet.maxStress, p.stress);
+                    model.maxStress = std::max(model.maxStress, p.stress);
 }
 
 std::string errorReport(const FitError& error)
@@ -223,15 +224,6 @@ double PLASTIC_HOT::evaluate(double strain, double strainRate, double temperatur
         const std::optional<double> stress = curveStressAt(curve(t, r), strain);
         return stress ? *stress : 0.0;
     });
-}
-
-HotFitResult PLASTIC_HOT::fit(const HotFitOptions&, const HotProgress& progress)
-{
-    if (progress)
-        progress(100);
-    HotFitResult result;
-    result.message = formatText("model %d has no law to fit", modelNumber);
-    return result;
 }
 
 }  // namespace zelko

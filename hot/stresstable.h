@@ -78,9 +78,9 @@ struct FitError {
 };
 FitError fitErrorOf(const PLASTIC_HOT& model, const HotStressTable& table);
 
-// Before a fit: the sample-strain range, the second range (the fourth list's, else
-// the temperatures'), and the largest measured stress.
-void recordFitRanges(PLASTIC_HOT& dataSet);
+// On the model a fit builds: the sample-strain range, the auxiliary range (the
+// auxiliary list's, else the temperatures'), and the largest measured stress.
+void recordFitRanges(PLASTIC_HOT& model);
 
 // " AARE = %g %%\n RMSE = %g MPa\n", the head of every report.
 std::string errorReport(const FitError& error);

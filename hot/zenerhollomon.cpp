@@ -187,31 +187,37 @@ double PLASTIC_Zener_Hollomon::evaluate(double strain, double strainRate, double
     return zenerHollomonStress(mixed, strainRate, temperature);
 }
 
-HotFitResult PLASTIC_Zener_Hollomon::fit(const HotFitOptions&, const HotProgress& progress)
+HotFit fitZenerHollomon(const HotDataSet& dataSet, const RunControl& control)
 {
-    recordFitRanges(*this);
-    const HotStressTable table(*this);
-    HotFitResult result;
+    HotFit fit;
+    const auto model = newHotModel<PLASTIC_Zener_Hollomon>(dataSet);
+    recordFitRanges(*model);
+    const HotStressTable table(dataSet);
+    HotFitResult& result = fit.result;
+    const std::vector<double>& strains = dataSet.strains;
+    std::vector<ZenerHollomonOrder>& orders = model->orders;
     orders.assign(strains.size(), ZenerHollomonOrder{});
     for (std::size_t k = 0; k < strains.size(); ++k) {
-        orders[k] = fitOrder(entriesAt(*this, table, k), temperatures.size());
+        if (control.stopRequested())
+            return cancelledFit();
+        orders[k] = fitOrder(entriesAt(dataSet, table, k), dataSet.temperatures.size());
         orders[k].strain = strains[k];
         if (!orders[k].fitted)
             result.notes.push_back(formatText("no constants at strain %g: too few stresses, or fewer than two strain rates",
                                               strains[k]));
-        if (progress)
-            progress(static_cast<int>((k + 1) * 100 / strains.size()));
+        control.report(static_cast<int>((k + 1) * 100 / strains.size()));
     }
-    if (progress)
-        progress(100);
+    control.report(100);
+    fit.model = model;
     result.fitted = std::any_of(orders.begin(), orders.end(), [](const ZenerHollomonOrder& o) { return o.fitted; });
     if (!result.fitted) {
         result.message = "no sample strain has stresses at two strain rates or more";
-        return result;
+        return fit;
     }
-    if (std::any_of(temperatures.begin(), temperatures.end(), [](double t) { return !(t + kKelvinOffset > 0.0); }))
+    if (std::any_of(dataSet.temperatures.begin(), dataSet.temperatures.end(),
+                    [](double t) { return !(t + kKelvinOffset > 0.0); }))
         result.notes.push_back("temperatures at or below absolute zero left out");
-    const FitError error = fitErrorOf(*this, table);
+    const FitError error = fitErrorOf(*model, table);
     describeTable(table, error, result);
     result.report = errorReport(error);
     for (std::size_t k = 0; k < orders.size(); ++k) {
@@ -222,7 +228,7 @@ HotFitResult PLASTIC_Zener_Hollomon::fit(const HotFitOptions&, const HotProgress
         else
             result.report += formatText(" Order %zu: strain = %g no fit\n", k + 1, o.strain);
     }
-    return result;
+    return fit;
 }
 
 }  // namespace zelko

@@ -37,13 +37,15 @@ public:
     PLASTIC_Zener_Hollomon() { modelNumber = 50; }
 
     double evaluate(double strain, double strainRate, double temperature) const override;
-    // At each sample strain: α from the ratio of the slopes of ln ε̇ against σ and
-    // against ln σ, then refined by a search on ln α in which each α gives n, Q and
-    // ln A by linear least squares of ln ε̇ on ln sinh(ασ) and 1/(R·T); the α kept
-    // is the one with the least squared stress error.
-    HotFitResult fit(const HotFitOptions& options, const HotProgress& progress = {}) override;
 
     std::vector<ZenerHollomonOrder> orders;  // one per sample strain
 };
+
+// A new model 50 with its constants at each sample strain: α from the ratio of the
+// slopes of ln ε̇ against σ and against ln σ, then refined by a search on ln α in
+// which each α gives n, Q and ln A by linear least squares of ln ε̇ on ln sinh(ασ)
+// and 1/(R·T); the α kept is the one with the least squared stress error. A stop
+// ends it within one sample strain.
+HotFit fitZenerHollomon(const HotDataSet& dataSet, const RunControl& control);
 
 }  // namespace zelko

@@ -42,8 +42,10 @@ std::shared_ptr<Plastic> createLibraryRecord(int number)
 
 std::shared_ptr<Plastic> createModel(ModelId id)
 {
-    if (id.kind == HotModel)
-        return createHotModel(id.number);
+    if (id.kind == HotModel) {
+        const std::optional<HotModelId> hot = hotModelIdOf(id.number);
+        return hot ? createHotModel(*hot) : nullptr;
+    }
     if (id.kind != ColdModel)
         return nullptr;
     if (id.number == 8)

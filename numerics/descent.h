@@ -8,6 +8,8 @@
 #include <cmath>
 #include <cstddef>
 
+#include "base/runcontrol.h"
+
 namespace zelko {
 
 inline constexpr double kMinimumDescentStep = 1e-8;
@@ -17,6 +19,7 @@ enum class DescentStop {
     NonFiniteParameter,  // a trial parameter overflowed
     StepTooSmall,        // halved below kMinimumDescentStep without improving
     FlatGradient,        // no direction to move in (zero or not finite)
+    Cancelled,           // a stop was requested; best holds the last accepted point
 };
 
 struct DescentSettings {
@@ -34,10 +37,11 @@ struct DescentOutcome {
 };
 
 // Problem offers double objective(const P&), void gradient(const P&, P&) and
-// void guard(P& trial, const P& previous); progress(int) takes 0 to 100.
-template <class Problem, std::size_t N, class Progress>
+// void guard(P& trial, const P& previous). Progress goes 0 to 100 to the
+// control; a stop request ends the descent before its next iteration.
+template <class Problem, std::size_t N>
 DescentOutcome steepestDescent(const Problem& problem, std::array<double, N>& best, const DescentSettings& settings,
-                               Progress&& progress)
+                               const RunControl& control)
 {
     DescentOutcome out;
     out.objective = problem.objective(best);
@@ -48,10 +52,13 @@ DescentOutcome steepestDescent(const Problem& problem, std::array<double, N>& be
     std::array<double, N> trial{};
     const auto finish = [&](DescentStop stop) {
         out.stop = stop;
-        progress(100);
+        if (stop != DescentStop::Cancelled)
+            control.report(100);
         return out;
     };
     for (int iteration = 0; iteration < settings.maxIterations; ++iteration) {
+        if (control.stopRequested())
+            return finish(DescentStop::Cancelled);
         problem.gradient(best, gradient);
         double norm = 0.0;
         for (std::size_t i = 0; i < N; ++i) {
@@ -88,7 +95,7 @@ DescentOutcome steepestDescent(const Problem& problem, std::array<double, N>& be
         out.iterations = iteration + 1;
         const int percent = static_cast<int>((static_cast<long long>(iteration) + 1) * 100 / settings.maxIterations);
         if (percent != reported) {
-            progress(percent);
+            control.report(percent);
             reported = percent;
         }
     }

@@ -26,13 +26,15 @@ std::vector<std::string> blockLines(const PLASTIC_HOT& model)
 TEST(Type16, PowerLawPerCellAndItsBlock)
 {
     // K = 100·(1 + t) + 10·r, n = 0.1 + 0.05·r for cell (t, r).
-    auto model = createHotModel(16, test::lawDataSet(
-                                        [](double e, double rate, double T) {
-                                            const double r = std::log10(rate), t = (T - 1000) / 100;
-                                            return (100 * (1 + t) + 10 * r) * std::pow(e, 0.1 + 0.05 * r);
-                                        },
-                                        {1000, 1100}, {1, 10}, {0.1, 0.4}));
-    const HotFitResult result = model->fit({});
+    const HotFit fit = fitHotModel(test::lawDataSet(
+                                       [](double e, double rate, double T) {
+                                           const double r = std::log10(rate), t = (T - 1000) / 100;
+                                           return (100 * (1 + t) + 10 * r) * std::pow(e, 0.1 + 0.05 * r);
+                                       },
+                                       {1000, 1100}, {1, 10}, {0.1, 0.4}),
+                                   HotModelId::Type16, {});
+    const HotFitResult& result = fit.result;
+    const auto& model = fit.model;
     ASSERT_TRUE(result.fitted);
     EXPECT_LT(result.aare, 1e-12);
     const auto& cells = static_cast<const PLASTIC_16&>(*model).cellCoefficients;
@@ -96,16 +98,20 @@ TEST(CellLaws, EachLawComesBackFromItsOwnCurve)
     }
 }
 
+PLASTIC_HOT softeningDataSet()
+{
+    return test::lawDataSet(
+        [](double e, double rate, double T) {
+            return (300 - 0.2 * T) * std::pow(rate, 0.12) * std::pow(e + 0.02, 0.2) * std::exp(-0.5 * e);
+        },
+        {1000, 1100}, {0.1, 1}, {0.1, 0.2, 0.3, 0.4});
+}
+
 std::shared_ptr<PLASTIC_HOT> fittedType(int id)
 {
-    auto model = createHotModel(id, test::lawDataSet(
-                                        [](double e, double rate, double T) {
-                                            return (300 - 0.2 * T) * std::pow(rate, 0.12) * std::pow(e + 0.02, 0.2)
-                                                   * std::exp(-0.5 * e);
-                                        },
-                                        {1000, 1100}, {0.1, 1}, {0.1, 0.2, 0.3, 0.4}));
-    EXPECT_TRUE(model->fit({}).fitted);
-    return model;
+    const HotFit fit = fitHotModel(softeningDataSet(), *hotModelIdOf(id), {});
+    EXPECT_TRUE(fit.result.fitted);
+    return fit.model;
 }
 
 TEST(FourCoefficientTypes, ConstantsLineAndSharedCells)
@@ -167,35 +173,70 @@ TEST(CellInterpolation, SplineAlongRatesLinearInTemperature)
 TEST(HotFamily, ModelsByIdAndTheTypeChoice)
 {
     for (const int id : {16, 17, 50, 70, 161, 162, 163, 164, 165, 166, 167, 168, 169, 1600}) {
-        const auto model = createHotModel(id);
+        ASSERT_TRUE(hotModelIdOf(id)) << id;
+        const auto model = createHotModel(*hotModelIdOf(id));
         ASSERT_TRUE(model) << id;
         EXPECT_EQ(model->modelNumber, id);
         EXPECT_EQ(model->modelKind, HotModel);
     }
-    EXPECT_FALSE(createHotModel(1));
-    EXPECT_FALSE(createHotModel(160));
+    EXPECT_FALSE(hotModelIdOf(1));
+    EXPECT_FALSE(hotModelIdOf(160));
     TextWriter out;
-    EXPECT_FALSE(createHotModel(162)->writeLibraryBlock(out, 6));
+    EXPECT_FALSE(createHotModel(HotModelId::Type162)->writeLibraryBlock(out, 6));
 
     ASSERT_EQ(hotTypeItems().size(), 13u);
     EXPECT_EQ(hotTypeItems()[3].text, "Type: 162 (Not supported)");
     EXPECT_EQ(hotTypeItems()[12].text, "Zener-Hollomon model");
-    EXPECT_EQ(modelIdOfTypeIndex(11), 1600);
-    EXPECT_EQ(modelIdOfTypeIndex(13), 0);
+    EXPECT_EQ(modelIdOfTypeIndex(11), HotModelId::Type1600);
+    EXPECT_FALSE(modelIdOfTypeIndex(13));
+    EXPECT_FALSE(modelIdOfTypeIndex(3));
 
-    PLASTIC_HOT dataSet = test::measuredDataSet();
-    EXPECT_EQ(runTypeFit(dataSet, 3, 0, {}).message, kModel162Refused);
+    const PLASTIC_HOT dataSet = test::measuredDataSet();
+    EXPECT_EQ(runTypeFit(dataSet, 3, hotFlagOfColumnMode(0), {}).message, kModel162Refused);
     int progress = -1;
-    const TypeFit none = runTypeFit(dataSet, 13, 0, {}, [&](int v) { progress = v; });
+    const TypeFit none = runTypeFit(dataSet, 13, hotFlagOfColumnMode(0), {}, {[&](int v) { progress = v; }, {}});
     EXPECT_FALSE(none.model);
     EXPECT_EQ(progress, 0);
-    const TypeFit zener = runTypeFit(dataSet, 12, 1, {});
+    // The flag of the three-column mode goes to the new model; the screen sets
+    // it on its own data set, which the fit only reads.
+    const TypeFit zener = runTypeFit(dataSet, 12, hotFlagOfColumnMode(1), {});
     EXPECT_EQ(zener.model->modelNumber, 50);
     EXPECT_FALSE(zener.result.fitted);  // chosen, not fitted
-    EXPECT_TRUE(dataSet.hotFlag);
-    const TypeFit power = runTypeFit(dataSet, 0, 0, {});
+    EXPECT_TRUE(zener.model->hotFlag);
+    EXPECT_FALSE(dataSet.hotFlag);
+    const TypeFit power = runTypeFit(dataSet, 0, hotFlagOfColumnMode(0), {});
     EXPECT_TRUE(power.result.fitted);
     EXPECT_FALSE(power.model->hotFlag);
+
+    // Types without a law to fit come back as they were made, with a message.
+    for (const HotModelId id : {HotModelId::Model70, HotModelId::Type162}) {
+        const HotFit fit = fitHotModel(dataSet, id, {});
+        ASSERT_TRUE(fit.model);
+        EXPECT_FALSE(fit.result.fitted);
+        EXPECT_EQ(fit.result.message, formatText("model %d has no law to fit", static_cast<int>(id)));
+    }
+}
+
+TEST(HotFamily, AStopEndsACellFitWithinOneCell)
+{
+    const PLASTIC_HOT dataSet = softeningDataSet();
+    std::stop_source stop;
+    std::vector<int> progress;
+    const RunControl control{[&](int percent) {
+                                 progress.push_back(percent);
+                                 if (progress.size() == 2)  // 5, then the first cell
+                                     stop.request_stop();
+                             },
+                             stop.get_token()};
+    const HotFit fit = fitHotModel(dataSet, HotModelId::Type169, {}, control);
+    EXPECT_TRUE(fit.cancelled);
+    EXPECT_FALSE(fit.model);
+    EXPECT_EQ(progress, (std::vector<int>{5, 27}));  // 5 + 90 / 4 cells
+
+    progress.clear();
+    const HotFit whole = fitHotModel(dataSet, HotModelId::Type169, {}, {[&](int v) { progress.push_back(v); }, {}});
+    ASSERT_TRUE(whole.model);
+    EXPECT_EQ(progress, (std::vector<int>{5, 27, 50, 72, 95, 100}));
 }
 
 }  // namespace

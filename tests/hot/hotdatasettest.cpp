@@ -1,13 +1,12 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdlib>
 #include <filesystem>
 
 #include "hot/hotdataset.h"
 #include "hot/stresstable.h"
 #include "base/fileio.h"
-#include "exchangefoldertest.h"
+#include "temporaryfolder.h"
 #include "testutil.h"
 
 namespace zelko {
@@ -202,24 +201,33 @@ TEST(RawImport, SelectionDecidesTheReader)
     EXPECT_EQ(dataSet.curves[0][2][1].stress, 210.0);
 }
 
-using ExchangeFolderTest = test::ExchangeFolderTest;
+using RawCurveFileTest = test::TemporaryFolderTest;
 
-TEST_F(ExchangeFolderTest, ImportWritesTheExchangeFileAndReadsItBack)
+TEST_F(RawCurveFileTest, WrittenOnlyWhereTheScreenWritesItAndImportedFromMemory)
 {
     PLASTIC_HOT dataSet;
     ASSERT_EQ(applyGroups(dataSet, {"0.1", "1"}, {"900"}, {"0.1"}), "");
-    EXPECT_EQ(importRawText(dataSet, u"0.1 100\r\n0.2 110\r\n", {{0}, {0}}, {}, 0.0), "");
+    const std::u16string_view text = u"0.1 100\r\n0.2 110\r\n";
+    EXPECT_TRUE(importRawText(dataSet, text, {{0}, {0}}, {}, 0.0));
     EXPECT_EQ(dataSet.curves[0][0], (HotCurve{{0, 0.1, 100}, {0, 0.2, 110}}));
-    std::string error;
-    EXPECT_TRUE(test::sameBytes(*readFileBytes(folder_ / "tmp.txt", error), rawCurveFileBytes(u"0.1 100\r\n0.2 110\r\n")));
+    EXPECT_FALSE(std::filesystem::exists(folder_));  // the import needs no file
 
-    // The exchange folder under a file can't be made.
-    std::filesystem::create_directories(folder_);
+    // The exchange file the screen writes before its import: the folder is made.
+    EXPECT_EQ(writeRawCurveFile(text, folder_), "");
+    std::string error;
+    EXPECT_TRUE(test::sameBytes(*readFileBytes(folder_ / "tmp.txt", error), rawCurveFileBytes(text)));
+    // What the file holds reads as the text did.
+    PLASTIC_HOT fromFile;
+    ASSERT_EQ(applyGroups(fromFile, {"0.1", "1"}, {"900"}, {"0.1"}), "");
+    EXPECT_TRUE(importRawCurves(fromFile, *readFileBytes(folder_ / "tmp.txt", error), {{0}, {0}}, {}, 0.0));
+    EXPECT_EQ(fromFile.curves, dataSet.curves);
+
+    // The exchange folder under a file can't be made; the earlier file stays.
     std::string ignored;
     ASSERT_TRUE(saveFileAtomically(folder_ / "file", "x", ignored));
-    setenv("ZELKO_TEMP", (folder_ / "file" / "sub").c_str(), 1);
-    EXPECT_EQ(importRawText(dataSet, u"0.3 1\r\n", {{0}, {0}}, {}, 0.0), kNoExchangeFolder);
+    EXPECT_EQ(writeRawCurveFile(u"0.3 1\r\n", folder_ / "file" / "sub"), kNoExchangeFolder);
     EXPECT_EQ(dataSet.curves[0][0].size(), 2u);
+    EXPECT_TRUE(test::sameBytes(*readFileBytes(folder_ / "tmp.txt", error), rawCurveFileBytes(text)));
 }
 
 }  // namespace

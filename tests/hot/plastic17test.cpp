@@ -33,13 +33,18 @@ PLASTIC_HOT steelDataSet(const HenselSpittelParameters& p = kSteel, std::vector<
                             {900, 1000, 1100}, {0.01, 0.1, 1, 10}, std::move(strains));
 }
 
-std::shared_ptr<PLASTIC_17> fitted(const PLASTIC_HOT& dataSet, HotFitOptions options, HotFitResult* result = nullptr)
+std::shared_ptr<PLASTIC_17> fitted(const PLASTIC_HOT& dataSet, HotFitOptions options, HotFitResult* result = nullptr,
+                                   const RunControl& control = {})
 {
-    auto model = std::static_pointer_cast<PLASTIC_17>(createHotModel(17, dataSet));
-    const HotFitResult r = model->fit(options);
+    const HotFit fit = fitHotModel(dataSet, HotModelId::Type17, options, control);
     if (result)
-        *result = r;
-    return model;
+        *result = fit.result;
+    return std::static_pointer_cast<PLASTIC_17>(fit.model);
+}
+
+RunControl recording(std::vector<int>& progress)
+{
+    return {[&progress](int percent) { progress.push_back(percent); }, {}};
 }
 
 TEST(HenselSpittelLaw, EveryFactorAsWritten)
@@ -169,7 +174,7 @@ TEST(Descent, HalvesToTheFloorWhenNothingImproves)
 {
     std::array<double, 2> p = {0, 0};
     std::vector<int> progress;
-    const DescentOutcome out = steepestDescent(FlatProblem{}, p, {100, 1.0, 0}, [&](int v) { progress.push_back(v); });
+    const DescentOutcome out = steepestDescent(FlatProblem{}, p, {100, 1.0, 0}, recording(progress));
     EXPECT_EQ(out.stop, DescentStop::StepTooSmall);
     EXPECT_EQ(out.iterations, 0);
     // Trials at 1, 1/2, ..., 2^-26; the 27th halving falls below 1e-8.
@@ -184,7 +189,7 @@ TEST(Descent, FollowsTheGradientKeepsFixedParametersAndReportsProgress)
 {
     std::array<double, 2> p = {0, 0};
     std::vector<int> progress;
-    const DescentOutcome out = steepestDescent(Bowl{}, p, {200, 0.5, 0}, [&](int v) { progress.push_back(v); });
+    const DescentOutcome out = steepestDescent(Bowl{}, p, {200, 0.5, 0}, recording(progress));
     EXPECT_NEAR(p[0], 3.0, 1e-6);
     EXPECT_NEAR(p[1], -1.0, 1e-6);
     EXPECT_LT(out.objective, 1e-12);
@@ -193,13 +198,13 @@ TEST(Descent, FollowsTheGradientKeepsFixedParametersAndReportsProgress)
     EXPECT_EQ(progress.back(), 100);
 
     std::array<double, 2> q = {0, 0};
-    steepestDescent(Bowl{}, q, {50, 0.5, 0b10}, [](int) {});
+    steepestDescent(Bowl{}, q, {50, 0.5, 0b10}, {});
     EXPECT_NEAR(q[0], 3.0, 1e-6);
     EXPECT_EQ(q[1], 0.0);
 
     // A first step that overflows ends the descent with the start kept.
     std::array<double, 2> r = {1e308, 0};
-    const DescentOutcome overflow = steepestDescent(Slope{}, r, {10, 1e308, 0}, [](int) {});
+    const DescentOutcome overflow = steepestDescent(Slope{}, r, {10, 1e308, 0}, {});
     EXPECT_EQ(overflow.stop, DescentStop::NonFiniteParameter);
     EXPECT_EQ(r[0], 1e308);
 }
@@ -291,8 +296,8 @@ TEST(HenselSpittelObjective, GuardsPutBackWhatLeavesItsRange)
 TEST(HenselSpittelFit, MeasuredSeriesReportAndProgress)
 {
     std::vector<int> progress;
-    auto model = std::static_pointer_cast<PLASTIC_17>(createHotModel(17, test::measuredDataSet()));
-    const HotFitResult result = model->fit({}, [&](int v) { progress.push_back(v); });
+    HotFitResult result;
+    const auto model = fitted(test::measuredDataSet(), {}, &result, recording(progress));
     ASSERT_TRUE(result.fitted);
     EXPECT_EQ(result.compared, 5u * 6u * 14u);
     // Measured for the defaults on this series: AARE 9.8 %, RMSE 4.8 MPa; a bounded
@@ -339,15 +344,65 @@ TEST(HenselSpittelFit, BadDataEndsQuietly)
     for (auto& row : empty.curves)
         for (HotCurve& curve : row)
             curve.clear();
-    int last = -1;
-    auto none = createHotModel(17, empty);
-    result = none->fit({}, [&](int v) { last = v; });
+    std::vector<int> progress;
+    const auto none = fitted(empty, {}, &result, recording(progress));
     EXPECT_FALSE(result.fitted);
-    EXPECT_EQ(last, 100);
+    EXPECT_EQ(progress.back(), 100);
     TextWriter out(TextEncoding::EightBit);
     none->writeLibraryBlock(out, 6);
     for (const char* bad : {"nan", "NAN", "inf", "INF"})
         EXPECT_EQ(test::textOf(out).find(bad), std::string::npos);
+}
+
+TEST(Descent, AStopEndsItBeforeTheNextIteration)
+{
+    std::stop_source stop;
+    std::vector<int> progress;
+    RunControl control{[&](int percent) {
+                           progress.push_back(percent);
+                           if (percent == 3)
+                               stop.request_stop();
+                       },
+                       stop.get_token()};
+    std::array<double, 2> p = {0, 0};
+    const DescentOutcome out = steepestDescent(Bowl{}, p, {100, 0.5, 0}, control);
+    EXPECT_EQ(out.stop, DescentStop::Cancelled);
+    EXPECT_EQ(out.iterations, 3);
+    EXPECT_EQ(progress, (std::vector<int>{1, 2, 3}));  // no 100: it did not finish
+    EXPECT_NE(p, (std::array<double, 2>{0, 0}));      // the best point reached stays
+
+    std::array<double, 2> untouched = {0, 0};
+    EXPECT_EQ(steepestDescent(Bowl{}, untouched, {100, 0.5, 0}, control).iterations, 0);
+    EXPECT_EQ(untouched, (std::array<double, 2>{0, 0}));
+}
+
+TEST(HenselSpittelFit, AStopGivesNoModelAndLeavesTheDataSet)
+{
+    const PLASTIC_HOT dataSet = steelDataSet();
+    std::stop_source stop;
+    int reports = 0;
+    HotFitOptions options;
+    options.maxIterations = 100;  // a report every iteration
+    const RunControl control{[&](int) {
+                                 if (++reports == 2)
+                                     stop.request_stop();
+                             },
+                             stop.get_token()};
+    const HotFit fit = fitHotModel(dataSet, HotModelId::Type17, options, control);
+    EXPECT_TRUE(fit.cancelled);
+    EXPECT_FALSE(fit.model);
+    EXPECT_FALSE(fit.result.fitted);
+    EXPECT_EQ(fit.result.message, kRunCancelled);
+    EXPECT_EQ(reports, 2);  // ended before a third iteration
+    EXPECT_EQ(dataSet.parameters, HenselSpittelParameters{});
+    EXPECT_EQ(dataSet.strainMax, 0.0);
+
+    // Unstopped, the same call fits a new model and leaves its input alone.
+    const HotFit whole = fitHotModel(dataSet, HotModelId::Type17, options);
+    ASSERT_TRUE(whole.model);
+    EXPECT_FALSE(whole.cancelled);
+    EXPECT_EQ(whole.model->strainMax, 0.5);
+    EXPECT_EQ(dataSet.strainMax, 0.0);
 }
 
 TEST(HenselSpittelBlock, NineParametersWithoutM6)
@@ -357,8 +412,8 @@ TEST(HenselSpittelBlock, NineParametersWithoutM6)
     model.maxStress = 250.0;
     model.strainMin = 0.05;
     model.strainMax = 0.7;
-    model.secondMin = 1050;
-    model.secondMax = 1250;
+    model.auxiliaryMin = 1050;
+    model.auxiliaryMax = 1250;
     TextWriter out(TextEncoding::EightBit);
     EXPECT_TRUE(model.writeLibraryBlock(out, 6));
     EXPECT_EQ(test::textOf(out),

@@ -15,7 +15,7 @@ PLASTIC_HOT sampleDataSet()
     hot.strainRates = {0.1, 1};
     hot.temperatures = {900, 1000, 1100};
     hot.strains = {0.1};
-    hot.fourthValues = {5};
+    hot.auxiliaryValues = {5};
     hot.curves.assign(3, std::vector<HotCurve>(2));
     // Each cell different, so a swapped index shows.
     for (std::size_t t = 0; t < 3; ++t)
@@ -76,7 +76,7 @@ TEST(HotBlock, ReadsBackWhatItWrote)
         EXPECT_EQ(read.strainRates, written.strainRates);
         EXPECT_EQ(read.temperatures, written.temperatures);
         EXPECT_EQ(read.strains, written.strains);
-        EXPECT_EQ(read.fourthValues, written.fourthValues);
+        EXPECT_EQ(read.auxiliaryValues, written.auxiliaryValues);
         EXPECT_EQ(read.curves, written.curves);
     }
 }

@@ -1,15 +1,19 @@
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <chrono>
 #include <cmath>
-#include <cstdlib>
 #include <filesystem>
 #include <functional>
 #include <random>
+#include <thread>
 
+#include <signal.h>
+
+#include "base/fileio.h"
 #include "hot/gnuplot.h"
 #include "hot/processingmap.h"
-#include "base/fileio.h"
-#include "exchangefoldertest.h"
+#include "temporaryfolder.h"
 #include "testutil.h"
 
 namespace zelko {
@@ -130,6 +134,61 @@ TEST(ProcessingMapValues, FlagsForFallingStressAndForUnstableFlow)
     EXPECT_EQ(curved.flag(last, 5, 1), curved.flag(last - 3, 5, 1));
 }
 
+TEST(ProcessingMapValues, InstabilityComparesEachRateNodeWithTheNext)
+{
+    // m is 0.2 on every rate interval but a few; ξ of node j takes m of nodes j
+    // and j + 1: ξ = (ln(m₊/(m₊ + 1)) − ln(m/(m + 1)))/Δln ε̇ + m, Δln ε̇ = 0.04·ln 10.
+    //  - m 1.0 then 0.85 (nodes 10, 11): ξ = −0.918 + 1.0 > 0 at node 10, where
+    //    adding the next node's m instead would give −0.068; node 11 sees m fall
+    //    to 0.2 (ξ ≈ −10): unstable;
+    //  - m 0.01 at node 21: node 20 sees m fall (ξ ≈ −30), node 21 sees it rise;
+    //  - m below 0 at node 34: it and node 33 have no sensitivity.
+    constexpr std::size_t kSlow = 10, kDrop = 21, kFall = 34;
+    const auto sensitivity = [](std::size_t j) {
+        return j == kSlow ? 1.0 : j == kSlow + 1 ? 0.85 : j == kDrop ? 0.01 : j == kFall ? -0.1 : 0.2;
+    };
+    LawModel model([&](double, double rate, double) {
+        // Rates 0.01 to 1 in 50 nodes: node j is at log10 rate −2 + 0.04·j.
+        const auto node = static_cast<std::size_t>(std::lround((std::log10(rate) + 2.0) / 0.04));
+        double lnStress = std::log(100.0);
+        for (std::size_t s = 0; s < node; ++s)
+            lnStress += sensitivity(s) * 0.04 * std::log(10.0);
+        return std::exp(lnStress);
+    });
+    const ProcessingMap map = mapOf(model);
+    ASSERT_EQ(map.rateNodes(), 50u);
+    for (std::size_t j = 0; j + 3 < map.rateNodes(); ++j)
+        for (const std::size_t i : {0u, 33u}) {
+            const MapFlag expected = j == kFall || j + 1 == kFall        ? kNoSensitivity
+                                     : j + 1 == kDrop || j == kSlow + 1 ? kUnstable
+                                                                         : kStable;
+            EXPECT_NEAR(map.efficiency(j, i, 1), 200 * sensitivity(j) / (sensitivity(j) + 1), 1e-9) << j;
+            EXPECT_EQ(map.flag(j, i, 1), expected) << j;
+        }
+}
+
+TEST(ProcessingMapValues, ProgressAndAStopWithinOneRateNode)
+{
+    const LawModel model([](double, double rate, double) { return 100 * std::pow(rate, 0.2); });
+    std::vector<int> progress;
+    std::string error;
+    ASSERT_TRUE(computeProcessingMap(model, std::nullopt, error, {[&](int v) { progress.push_back(v); }, {}}));
+    EXPECT_TRUE(std::is_sorted(progress.begin(), progress.end()));
+    EXPECT_EQ(progress.front(), 0);
+    EXPECT_EQ(progress.back(), 100);
+
+    std::stop_source stop;
+    progress.clear();
+    const RunControl control{[&](int v) {
+                                 progress.push_back(v);
+                                 stop.request_stop();
+                             },
+                             stop.get_token()};
+    EXPECT_FALSE(computeProcessingMap(model, std::nullopt, error, control));
+    EXPECT_EQ(error, kRunCancelled);
+    EXPECT_EQ(progress, std::vector<int>{0});
+}
+
 TEST(ProcessingMapValues, NoStressNoSensitivityAndLimits)
 {
     const ProcessingMap map = mapOf(LawModel([](double e, double rate, double) { return e > 0.3 ? 0.0 * rate : NAN; }));
@@ -223,37 +282,177 @@ TEST(ProcessingMapFiles, ScriptLines)
               "unset multiplot\n");
 }
 
-using MapFolderTest = test::ExchangeFolderTest;
+using MapFolderTest = test::TemporaryFolderTest;
 
-TEST_F(MapFolderTest, WritesBothFilesAndGnuplotDrawsThem)
+LawModel curvedModel()
 {
-    LawModel model([](double e, double rate, double T) {
+    return LawModel([](double e, double rate, double T) {
         const double x = std::log(rate);
         return (2000 - T) * (1 + e) * std::exp(0.05 * x - 0.02 * x * x);
     });
+}
+
+bool isPng(const std::filesystem::path& path)
+{
     std::string error;
-    const auto files = writeProcessingMapFiles(model, 1, 5.0, error);
+    return readFileBytes(path, error).value_or(std::string()).substr(0, 8) == "\x89PNG\r\n\x1a\n";
+}
+
+// The files of the folder whose names begin so.
+std::vector<std::string> filesStarting(const std::filesystem::path& folder, std::string_view prefix)
+{
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(folder))
+        if (entry.path().filename().string().starts_with(prefix))
+            names.push_back(entry.path().filename().string());
+    return names;
+}
+
+TEST_F(MapFolderTest, WritesBothFilesAndGnuplotDrawsThem)
+{
+    const LawModel model = curvedModel();
+    std::string error;
+    const auto map = computeProcessingMap(model, 1, error);
+    ASSERT_TRUE(map) << error;
+    const auto files = writeProcessingMapFiles(*map, 0, model, 5.0, folder_, error);
     ASSERT_TRUE(files) << error;
     EXPECT_EQ(files->data, folder_ / "processing_map.dat");
+    EXPECT_EQ(files->script, folder_ / "processing_map.txt");
+    EXPECT_TRUE(test::sameBytes(*readFileBytes(files->data, error), processingMapData(*map, 0).bytes()));
     const std::string script = *readFileBytes(files->script, error);
     EXPECT_NE(script.find("'" + files->data.string() + "' using 1:2:4\r\n"), std::string::npos);
 
     const std::filesystem::path png = folder_ / "map.png";
-    ASSERT_TRUE(renderGnuplotPng(files->script, png, 800, 400, error)) << error;
-    EXPECT_EQ(readFileBytes(png, error)->substr(0, 8), "\x89PNG\r\n\x1a\n");
+    ASSERT_EQ(renderGnuplotPng({files->script, png, 800, 400}, environment_, {}, error), RenderEnd::Drawn) << error;
+    EXPECT_TRUE(isPng(png));
 
     // A script gnuplot rejects: its complaint, and no picture.
     ASSERT_TRUE(saveFileAtomically(folder_ / "bad.txt", "plot sin(x) with nothing\n", error));
-    EXPECT_FALSE(renderGnuplotPng(folder_ / "bad.txt", folder_ / "bad.png", 100, 100, error));
-    EXPECT_NE(error.find("gnuplot failed"), std::string::npos) << error;
+    EXPECT_EQ(renderGnuplotPng({folder_ / "bad.txt", folder_ / "bad.png", 100, 100}, environment_, {}, error),
+              RenderEnd::Failed);
+    EXPECT_TRUE(error.starts_with("gnuplot failed: ")) << error;
+    EXPECT_NE(error.find("line 1: unrecognized plot type"), std::string::npos) << error;
     EXPECT_FALSE(std::filesystem::exists(folder_ / "bad.png"));
 
-    setenv("ZELKO_GNUPLOT", (folder_ / "no-such-gnuplot").c_str(), 1);
-    EXPECT_FALSE(renderGnuplotPng(files->script, folder_ / "none.png", 100, 100, error));
+    Environment missing = environment_;
+    missing.gnuplotProgram = (folder_ / "no-such-gnuplot").string();
+    EXPECT_EQ(renderGnuplotPng({files->script, folder_ / "none.png", 100, 100}, missing, {}, error), RenderEnd::Failed);
     EXPECT_NE(error.find("gnuplot not found"), std::string::npos) << error;
+    EXPECT_TRUE(filesStarting(folder_, "gnuplot_render").empty());  // its pictures are gone
 
+    // A map without sample strains writes nothing.
     PLASTIC_HOT noStrains;
-    EXPECT_FALSE(writeProcessingMapFiles(noStrains, 0, 5.0, error));
+    noStrains.temperatures = {1000, 1100};
+    noStrains.strainRates = {0.1, 1};
+    const auto empty = computeProcessingMap(noStrains, std::nullopt, error);
+    ASSERT_TRUE(empty);
+    EXPECT_FALSE(writeProcessingMapFiles(*empty, 0, noStrains, 5.0, folder_ / "other", error));
+    EXPECT_EQ(error, "no sample strains");
+    EXPECT_FALSE(std::filesystem::exists(folder_ / "other"));
+}
+
+TEST_F(MapFolderTest, AMapDrawsFromFilesOfItsOwn)
+{
+    const LawModel model = curvedModel();
+    std::string error;
+    const auto map = computeProcessingMap(model, std::nullopt, error);
+    ASSERT_TRUE(map);
+    ASSERT_TRUE(std::filesystem::create_directories(folder_));
+    // The described files hold another map: the picture does not read them.
+    ASSERT_TRUE(saveFileAtomically(folder_ / "processing_map.txt", "plot sin(x) with nothing\n", error));
+    const PngRequest picture{{}, folder_ / "map.png", 600, 300};
+    ASSERT_EQ(renderProcessingMapPng(*map, 1, model, 5.0, picture, environment_, {}, error), RenderEnd::Drawn) << error;
+    EXPECT_TRUE(isPng(folder_ / "map.png"));
+    EXPECT_EQ(filesStarting(folder_, "processing_map"), std::vector<std::string>{"processing_map.txt"});
+}
+
+// A gnuplot stand-in: takes its picture's name from its commands, writes the
+// commands there, and then sleeps, as a stuck gnuplot would.
+std::filesystem::path fakeGnuplot(const std::filesystem::path& folder, std::string_view seconds)
+{
+    const std::filesystem::path program = folder / ("fake-gnuplot-" + std::string(seconds));
+    std::string error;
+    EXPECT_TRUE(saveFileAtomically(program,
+                                   "#!/bin/sh\n"
+                                   "echo $$ > \"$0.pid\"\n"
+                                   "commands=$(cat)\n"
+                                   "out=$(printf '%s\\n' \"$commands\" | sed -n \"s/^set output '\\(.*\\)'$/\\1/p\")\n"
+                                   "printf '%s\\n' \"$commands\" > \"$out\"\n"
+                                   "sleep "
+                                       + std::string(seconds) + "\n",
+                                   error));
+    std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+    return program;
+}
+
+bool running(const std::filesystem::path& program)
+{
+    std::string error;
+    const auto pid = readFileBytes(program.string() + ".pid", error);
+    return pid && ::kill(std::stoi(*pid), 0) == 0;
+}
+
+TEST_F(MapFolderTest, AStuckGnuplotIsKilledAtTheTimeLimit)
+{
+    ASSERT_TRUE(std::filesystem::create_directories(folder_));
+    environment_.gnuplotProgram = fakeGnuplot(folder_, "30").string();
+    std::string error;
+    const PngRequest request{folder_ / "script.txt", folder_ / "map.png", 100, 100, std::chrono::milliseconds(300)};
+    EXPECT_EQ(renderGnuplotPng(request, environment_, {}, error), RenderEnd::TimedOut);
+    EXPECT_EQ(error, "gnuplot did not finish within 0.3 s and was stopped");
+    EXPECT_FALSE(running(environment_.gnuplotProgram));
+    EXPECT_FALSE(std::filesystem::exists(folder_ / "map.png"));
+    EXPECT_TRUE(filesStarting(folder_, "gnuplot_render").empty());
+}
+
+TEST_F(MapFolderTest, AStopKillsGnuplotWithin50Milliseconds)
+{
+    ASSERT_TRUE(std::filesystem::create_directories(folder_));
+    environment_.gnuplotProgram = fakeGnuplot(folder_, "30").string();
+    std::stop_source stop;
+    std::atomic<RenderEnd> end = RenderEnd::Drawn;
+    std::string error;
+    std::thread render([&] {
+        end = renderGnuplotPng({folder_ / "script.txt", folder_ / "map.png", 100, 100}, environment_,
+                               {{}, stop.get_token()}, error);
+    });
+    // It has drawn and sleeps once its picture is there.
+    while (filesStarting(folder_, "gnuplot_render").empty() && end == RenderEnd::Drawn)
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    const auto requested = std::chrono::steady_clock::now();
+    stop.request_stop();
+    render.join();
+    const auto took = std::chrono::steady_clock::now() - requested;
+    EXPECT_LT(took, std::chrono::milliseconds(50));
+    EXPECT_EQ(end, RenderEnd::Cancelled);
+    EXPECT_EQ(error, kRunCancelled);
+    EXPECT_FALSE(running(environment_.gnuplotProgram));
+    EXPECT_FALSE(std::filesystem::exists(folder_ / "map.png"));
+}
+
+TEST_F(MapFolderTest, TwoRendersAtOnceEachGetTheirOwnPicture)
+{
+    ASSERT_TRUE(std::filesystem::create_directories(folder_));
+    // Each stand-in writes its picture at once and exits later, so both pictures
+    // exist while both renders run.
+    environment_.gnuplotProgram = fakeGnuplot(folder_, "0.5").string();
+    std::string errors[2];
+    RenderEnd ends[2];
+    std::vector<std::thread> renders;
+    for (int r = 0; r < 2; ++r)
+        renders.emplace_back([&, r] {
+            ends[r] = renderGnuplotPng({folder_ / "script.txt", folder_ / formatText("map%d.png", r), 100 + r, 100},
+                                       environment_, {}, errors[r]);
+        });
+    for (std::thread& render : renders)
+        render.join();
+    for (int r = 0; r < 2; ++r) {
+        ASSERT_EQ(ends[r], RenderEnd::Drawn) << errors[r];
+        std::string error;
+        const std::string picture = *readFileBytes(folder_ / formatText("map%d.png", r), error);
+        EXPECT_NE(picture.find(formatText("set terminal pngcairo size %d,100\n", 100 + r)), std::string::npos)
+            << picture;
+    }
 }
 
 }  // namespace

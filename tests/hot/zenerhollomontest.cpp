@@ -14,6 +14,9 @@ namespace {
 // The search on ln α ends within about 1e-7 of the optimum; the other constants
 // follow α.
 constexpr double kRecoveredTolerance = 1e-4;  // relative
+// Exact stresses at four temperatures pin Q far closer than that: Q is linear in
+// the data once α is found.
+constexpr double kKelvinTolerance = 1e-5;  // relative
 
 // α grows with strain, so each order has its own constants.
 ZenerHollomonOrder lawAt(double strain) { return {strain, 0.010 + 0.01 * strain, 5.0, 320000.0, 27.0, true}; }
@@ -38,8 +41,9 @@ TEST(ZenerHollomonLaw, SinhOfTheZenerHollomonParameter)
 
 TEST(ZenerHollomonFit, RecoversEveryOrderAndInterpolatesBetween)
 {
-    auto model = createHotModel(50, sinhDataSet({950, 1050, 1150}, {0.01, 0.1, 1, 10}));
-    const HotFitResult result = model->fit({});
+    const HotFit fit = fitHotModel(sinhDataSet({950, 1050, 1150}, {0.01, 0.1, 1, 10}), HotModelId::ZenerHollomon, {});
+    const HotFitResult& result = fit.result;
+    const auto& model = fit.model;
     ASSERT_TRUE(result.fitted);
     EXPECT_LT(result.aare, 1e-6);
     const auto& zh = static_cast<const PLASTIC_Zener_Hollomon&>(*model);
@@ -70,15 +74,19 @@ TEST(ZenerHollomonFit, RecoversEveryOrderAndInterpolatesBetween)
 TEST(ZenerHollomonFit, DegenerateSeries)
 {
     // One temperature: Q can't be told from A, and is left at 0.
-    auto single = createHotModel(50, sinhDataSet({1000}, {0.01, 0.1, 1}));
-    HotFitResult result = single->fit({});
+    const auto zenerHollomon = [](const PLASTIC_HOT& dataSet, HotFitResult& result) {
+        HotFit fit = fitHotModel(dataSet, HotModelId::ZenerHollomon, {});
+        result = fit.result;
+        return fit.model;
+    };
+    HotFitResult result;
+    const auto single = zenerHollomon(sinhDataSet({1000}, {0.01, 0.1, 1}), result);
     ASSERT_TRUE(result.fitted);
     EXPECT_EQ(static_cast<const PLASTIC_Zener_Hollomon&>(*single).orders[0].Q, 0.0);
     EXPECT_LT(result.aare, 1e-6);
 
     // One strain rate: no order can be fitted.
-    auto oneRate = createHotModel(50, sinhDataSet({950, 1050}, {0.1}));
-    result = oneRate->fit({});
+    const auto oneRate = zenerHollomon(sinhDataSet({950, 1050}, {0.1}), result);
     EXPECT_FALSE(result.fitted);
     EXPECT_FALSE(result.message.empty());
     EXPECT_EQ(oneRate->evaluate(0.3, 0.1, 1000), 0.0);
@@ -86,11 +94,45 @@ TEST(ZenerHollomonFit, DegenerateSeries)
     // A temperature below absolute zero is left out, with a note.
     PLASTIC_HOT cold = sinhDataSet({950, 1050, 1150}, {0.01, 0.1, 1});
     cold.temperatures[0] = -300;
-    auto model = createHotModel(50, cold);
-    result = model->fit({});
+    const auto model = zenerHollomon(cold, result);
     EXPECT_TRUE(result.fitted);
     EXPECT_EQ(model->evaluate(0.3, 0.1, -300), 0.0);
     EXPECT_EQ(result.report.find("nan"), std::string::npos);
+}
+
+TEST(ZenerHollomonFit, TemperaturesInCelsiusAreTakenInKelvin)
+{
+    // Stresses of a steel written out here: Z = ε̇·exp(Q/(R·(T + 273.15))) with T
+    // in °C, σ = asinh((Z/A)^(1/n))/α.
+    constexpr double alpha = 0.012, n = 4.5, Q = 350000.0, lnA = 30.0, R = 8.314462618;
+    const auto stress = [&](double, double rate, double celsius) {
+        const double z = rate * std::exp(Q / (R * (celsius + 273.15)));
+        return std::asinh(std::pow(z / std::exp(lnA), 1.0 / n)) / alpha;
+    };
+    const HotFit fit = fitHotModel(test::lawDataSet(stress, {900, 1000, 1100, 1200}, {0.01, 0.1, 1, 10}, {0.2, 0.4}),
+                                   HotModelId::ZenerHollomon, {});
+    ASSERT_TRUE(fit.result.fitted);
+    for (const ZenerHollomonOrder& o : static_cast<const PLASTIC_Zener_Hollomon&>(*fit.model).orders) {
+        // 0.15 K off (273 for 273.15) moves Q by 2e-4 of itself.
+        EXPECT_NEAR(o.Q / Q, 1.0, kKelvinTolerance) << o.strain;
+        EXPECT_NEAR(o.n / n, 1.0, kKelvinTolerance) << o.strain;
+    }
+}
+
+TEST(ZenerHollomonFit, AStopEndsItWithinOneSampleStrain)
+{
+    const PLASTIC_HOT dataSet = sinhDataSet({950, 1050, 1150}, {0.01, 0.1, 1, 10});
+    std::stop_source stop;
+    std::vector<int> progress;
+    const RunControl control{[&](int percent) {
+                                 progress.push_back(percent);
+                                 stop.request_stop();
+                             },
+                             stop.get_token()};
+    const HotFit fit = fitHotModel(dataSet, HotModelId::ZenerHollomon, {}, control);
+    EXPECT_TRUE(fit.cancelled);
+    EXPECT_FALSE(fit.model);
+    EXPECT_EQ(progress, std::vector<int>{33});  // the first of three strains, no more
 }
 
 TEST(Model70, ItemsStoreThroughTheirTable)
