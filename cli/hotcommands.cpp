@@ -12,6 +12,7 @@
 #include "hot/hotcsv.h"
 #include "hot/hotmodels.h"
 #include "hot/processingmap.h"
+#include "material/hotchain.h"
 #include "material/libraryexport.h"
 
 namespace zelko::cli {
@@ -83,19 +84,6 @@ bool parseCsvOptions(const ParsedArguments& args, HotCsvOptions& options, std::s
     return true;
 }
 
-// A per-cell law can't be written for a cell without a curve.
-bool checkCells(const PLASTIC_HOT& dataSet, std::string& error)
-{
-    for (std::size_t t = 0; t < dataSet.temperatures.size(); ++t)
-        for (std::size_t r = 0; r < dataSet.strainRates.size(); ++r)
-            if (dataSet.curve(t, r).empty()) {
-                error = formatText("no curve for temperature %g and strain rate %g; this type needs every cell",
-                                   dataSet.temperatures[t], dataSet.strainRates[r]);
-                return false;
-            }
-    return true;
-}
-
 void warnAbout(const HotFitResult& result, const std::string& path)
 {
     for (const std::string& note : result.notes)
@@ -120,8 +108,8 @@ int runFitHot(const ParsedArguments& args)
         return fail(error);
     fitOptions.maxIterations = static_cast<int>(iterations);
 
-    Project project;
-    if (!loadMaterial(materialPath, project, error))
+    MaterialDocument document;
+    if (!openMaterial(materialPath, document, error))
         return fail(error);
     const auto bytes = readInput(curvesPath, error, kMaxHotCsvBytes);
     if (!bytes)
@@ -133,29 +121,22 @@ int runFitHot(const ParsedArguments& args)
     if (dataSet->strains.empty())
         return fail(fileMessage(curvesPath, "no strain above 0 that every curve reaches; give --strains"));
 
-    const bool perCell = dynamic_cast<const CellTableModel*>(createHotModel(modelId).get()) != nullptr;
-    if (perCell && !checkCells(*dataSet, error))
-        return fail(fileMessage(curvesPath, error));
-    const HotFit fit = fitHotModel(*dataSet, modelId, fitOptions);
-    const HotFitResult& result = fit.result;
-    const auto* cells = dynamic_cast<const CellTableModel*>(fit.model.get());
-    if (!result.fitted)
-        return fail(fileMessage(curvesPath, result.message));
-    // A cell without coefficients would be a hole in the library entry.
-    if (cells && !cells->unfittedCells().empty())
-        return fail(fileMessage(curvesPath, cells->unfittedCells().front()));
+    HotCurvesFit fitted = fitHotCurves(document.material(), *dataSet, modelId, fitOptions);
+    if (!fitted.material)
+        return fail(fileMessage(curvesPath, fitted.error));
+    const HotFitResult& result = fitted.fit.result;
     warnAbout(result, curvesPath);
 
-    project.setModel(fit.model);
-    if (!saveMaterial(*args.option(kOutput), project, error))
+    document.commit(std::move(*fitted.material));
+    if (!saveMaterial(*args.option(kOutput), document, error))
         return fail(error);
     if (const std::string* library = args.option("--export")) {
-        TextWriter out(TextEncoding::EightBit);
-        if (!writeLibraryEntry(project, out))
+        bool wroteModelBlock = false;
+        if (!exportMaterial(*library, document, wroteModelBlock, error))
+            return fail(error);
+        if (!wroteModelBlock)
             warn(formatText("model %d has no library block; the entry's model section is empty",
                             static_cast<int>(modelId)));
-        if (!saveText(*library, out, error))
-            return fail(error);
     }
     return printResult(result.report);
 }
@@ -164,10 +145,10 @@ int runProcessingMap(const ParsedArguments& args)
 {
     const std::string& materialPath = args.positionals[0];
     std::string error;
-    Project project;
-    if (!loadMaterial(materialPath, project, error))
+    MaterialDocument document;
+    if (!openMaterial(materialPath, document, error))
         return fail(error);
-    const auto* dataSet = dynamic_cast<const PLASTIC_HOT*>(project.activeModel.get());
+    const HotDataSet* dataSet = hotDataSetOf(document.material());
     if (!dataSet)
         return fail(fileMessage(materialPath, "the material has no hot data set"));
     if (dataSet->strains.empty())
@@ -183,15 +164,8 @@ int runProcessingMap(const ParsedArguments& args)
     if (png && (dataSet->temperatures.size() < 2 || dataSet->strainRates.size() < 2))
         return fail(fileMessage(materialPath, "a map needs two temperatures and two strain rates to draw"));
 
-    // The material file keeps the data set, not the fitted law: the law is fitted
-    // again (for a type without a law, the measured curves serve).
-    std::shared_ptr<PLASTIC_HOT> model;
-    if (const auto id = hotModelIdOf(dataSet->modelNumber))
-        if (HotFit fit = fitHotModel(*dataSet, *id, {}); fit.result.fitted)
-            model = std::move(fit.model);
-    if (!model)
-        model = std::make_shared<PLASTIC_HOT>(*dataSet);
-    const Environment environment = Environment::fromProcess();
+    const std::shared_ptr<const PLASTIC_HOT> model = refitHotModel(*dataSet);
+    const Environment& environment = document.environment();
     const auto map = computeProcessingMap(*model, static_cast<std::size_t>(strainIndex), error);
     const auto files
         = map ? writeProcessingMapFiles(*map, 0, *model, contourStep, environment.exchangeFolder, error) : std::nullopt;
