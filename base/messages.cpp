@@ -22,6 +22,14 @@ constexpr MessageEntry kMessages[] = {
     // models
     // cold
     // hot
+    {MessageCode::RateNotPositive, "Please enter a number greater than '0'."},
+    {MessageCode::TooManyTemperatures, "The maximum number of temperature is 30."},
+    {MessageCode::TooManyStrains, "The maximum number of strain is 15."},
+    {MessageCode::TooFewStrainRates, "The strain-rate group need at least two number of items"},
+    {MessageCode::NoTemperature, "The temperature group need at least one number of items"},
+    {MessageCode::NoExchangeFolder, "It did not create Directory(c:\\temp\\ZELKO)."},
+    {MessageCode::RawFileNotSaved, "It did not save a raw data file."},
+    {MessageCode::Model162Refused, "162 model is not supported"},
     // material
     {MessageCode::NotAMaterialFile, "not a material file (version line or title rejected)"},
     {MessageCode::NoFlowStressModel, "the material has no flow-stress model, so it has no library entry"},

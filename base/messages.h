@@ -15,6 +15,14 @@ enum class MessageCode {
     // models
     // cold
     // hot
+    RateNotPositive,
+    TooManyTemperatures,
+    TooManyStrains,
+    TooFewStrainRates,
+    NoTemperature,
+    NoExchangeFolder,
+    RawFileNotSaved,
+    Model162Refused,
     // material
     NotAMaterialFile,
     NoFlowStressModel,

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "base/environment.h"
+#include "base/messages.h"
 #include "base/numbers.h"
 #include "cli/commands.h"
 #include "cli/materialio.h"
@@ -28,7 +29,7 @@ constexpr int kMapPictureHeight = 600;
 bool parseType(const std::string& text, HotModelId& modelId, std::string& error)
 {
     if (text == "162") {
-        error = "option '--type': " + std::string(kModel162Refused);
+        error = "option '--type': " + std::string(messageText(MessageCode::Model162Refused));
         return false;
     }
     for (const HotTypeItem& item : hotTypeItems())

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "base/exchangefolder.h"
+#include "base/messages.h"
 #include "base/fileio.h"
 #include "base/textfile.h"
 
@@ -64,15 +65,15 @@ std::string_view addGroupValue(GroupItems& items, HotGroup group, double value)
     switch (group) {
     case HotGroup::StrainRate:
         if (!(value > 0.0))
-            return kRateNotPositive;
+            return messageText(MessageCode::RateNotPositive);
         break;
     case HotGroup::Temperature:
         if (items.size() >= kMaxTemperatures)
-            return kTooManyTemperatures;
+            return messageText(MessageCode::TooManyTemperatures);
         break;
     case HotGroup::Strain:
         if (items.size() >= kMaxStrains)
-            return kTooManyStrains;
+            return messageText(MessageCode::TooManyStrains);
         break;
     }
     const std::string text = gText(value);
@@ -98,9 +99,9 @@ std::string_view applyGroups(HotDataSet& dataSet, const GroupItems& strainRates,
                              const GroupItems& strains)
 {
     if (strainRates.size() < 2)
-        return kTooFewRates;
+        return messageText(MessageCode::TooFewStrainRates);
     if (temperatures.empty())
-        return kNoTemperature;
+        return messageText(MessageCode::NoTemperature);
     std::vector<std::vector<HotCurve>> curves(temperatures.size(), std::vector<HotCurve>(strainRates.size()));
     for (std::size_t t = 0; t < temperatures.size(); ++t) {
         const auto oldT = findText(dataSet.temperatures, temperatures[t]);
@@ -233,9 +234,9 @@ std::string_view writeRawCurveFile(std::u16string_view editText, const std::file
 {
     std::string error;
     if (!ensureFolder(folder, error))
-        return kNoExchangeFolder;
+        return messageText(MessageCode::NoExchangeFolder);
     if (!saveFileAtomically(folder / kRawCurveFileName, rawCurveFileBytes(editText), error))
-        return kRawFileNotSaved;
+        return messageText(MessageCode::RawFileNotSaved);
     return {};
 }
 

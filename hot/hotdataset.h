@@ -17,13 +17,6 @@ namespace zelko {
 inline constexpr std::size_t kMaxTemperatures = 30;
 inline constexpr std::size_t kMaxStrains = 15;
 
-inline constexpr std::string_view kRateNotPositive = "Please enter a number greater than '0'.";
-inline constexpr std::string_view kTooManyTemperatures = "The maximum number of temperature is 30.";
-inline constexpr std::string_view kTooManyStrains = "The maximum number of strain is 15.";
-inline constexpr std::string_view kTooFewRates = "The strain-rate group need at least two number of items";
-inline constexpr std::string_view kNoTemperature = "The temperature group need at least one number of items";
-inline constexpr std::string_view kNoExchangeFolder = "It did not create Directory(c:\\temp\\ZELKO).";
-inline constexpr std::string_view kRawFileNotSaved = "It did not save a raw data file.";
 
 enum class HotGroup { StrainRate, Temperature, Strain };
 

@@ -1,5 +1,6 @@
 #include "hot/hotmodels.h"
 
+#include "base/messages.h"
 #include "base/textfile.h"
 #include "hot/celltypes.h"
 #include "hot/plastic_17.h"
@@ -117,7 +118,7 @@ TypeFit runTypeFit(const HotDataSet& dataSet, int typeIndex, bool hotFlag, const
         return fit;
     }
     if (!item->model) {
-        fit.message = kModel162Refused;
+        fit.message = messageText(MessageCode::Model162Refused);
         return fit;
     }
     control.report(5);

@@ -34,14 +34,13 @@ enum class HotModelId : int {
 // The id of a model number (as a file holds it); nothing for a number of no hot model.
 std::optional<HotModelId> hotModelIdOf(int modelNumber);
 
-inline constexpr std::string_view kModel162Refused = "162 model is not supported";
 
 // The model choice, in order.
 inline constexpr std::array<std::string_view, 4> kHotModelItems = {"Raw data", "Hensel-Spittel model",
                                                                    "Zener-Hollomon model", "Model 70"};
 
 // The type choice, in order: the item text, the model it selects (none: refused
-// with kModel162Refused) and whether choosing it runs the fit (Zener-Hollomon is
+// with "162 model is not supported") and whether choosing it runs the fit (Zener-Hollomon is
 // made without one).
 struct HotTypeItem {
     std::string_view text;
@@ -70,7 +69,7 @@ inline bool hotFlagOfColumnMode(int columnMode) { return columnMode == 1; }
 // The data screen's Fit over its data set, which the fit only reads: the type of
 // the type choice, fitted (or only made, for Zener-Hollomon) as a new model that
 // carries hotFlag; the screen sets the same flag on its own data set. A refused
-// type gives kModel162Refused; an index outside the list does nothing (no model,
+// type gives "162 model is not supported"; an index outside the list does nothing (no model,
 // no message, progress 0).
 struct TypeFit {
     std::shared_ptr<PLASTIC_HOT> model;

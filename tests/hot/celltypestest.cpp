@@ -192,7 +192,7 @@ TEST(HotFamily, ModelsByIdAndTheTypeChoice)
     EXPECT_FALSE(modelIdOfTypeIndex(3));
 
     const PLASTIC_HOT dataSet = test::measuredDataSet();
-    EXPECT_EQ(runTypeFit(dataSet, 3, hotFlagOfColumnMode(0), {}).message, kModel162Refused);
+    EXPECT_EQ(runTypeFit(dataSet, 3, hotFlagOfColumnMode(0), {}).message, std::string_view("162 model is not supported"));
     int progress = -1;
     const TypeFit none = runTypeFit(dataSet, 13, hotFlagOfColumnMode(0), {}, {[&](int v) { progress = v; }, {}});
     EXPECT_FALSE(none.model);

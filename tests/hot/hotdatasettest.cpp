@@ -26,21 +26,21 @@ HotCurve single(std::string_view text, RawCurveLayout layout = {}, double offset
 TEST(HotGroups, LimitsAndMessages)
 {
     GroupItems rates;
-    EXPECT_EQ(addGroupValue(rates, HotGroup::StrainRate, 0.0), kRateNotPositive);
-    EXPECT_EQ(addGroupValue(rates, HotGroup::StrainRate, -1.0), kRateNotPositive);
+    EXPECT_EQ(addGroupValue(rates, HotGroup::StrainRate, 0.0), std::string_view("Please enter a number greater than '0'."));
+    EXPECT_EQ(addGroupValue(rates, HotGroup::StrainRate, -1.0), std::string_view("Please enter a number greater than '0'."));
     EXPECT_TRUE(rates.empty());
 
     GroupItems temperatures;
     EXPECT_EQ(addGroupValue(temperatures, HotGroup::Temperature, -20.0), "");  // no sign check
     for (int i = 1; i < 30; ++i)
         EXPECT_EQ(addGroupValue(temperatures, HotGroup::Temperature, 800.0 + i), "");
-    EXPECT_EQ(addGroupValue(temperatures, HotGroup::Temperature, 1200.0), kTooManyTemperatures);
+    EXPECT_EQ(addGroupValue(temperatures, HotGroup::Temperature, 1200.0), std::string_view("The maximum number of temperature is 30."));
     EXPECT_EQ(temperatures.size(), 30u);
 
     GroupItems strains;
     for (int i = 1; i <= 15; ++i)
         EXPECT_EQ(addGroupValue(strains, HotGroup::Strain, 0.05 * i), "");
-    EXPECT_EQ(addGroupValue(strains, HotGroup::Strain, 0.9), kTooManyStrains);
+    EXPECT_EQ(addGroupValue(strains, HotGroup::Strain, 0.9), std::string_view("The maximum number of strain is 15."));
 }
 
 TEST(HotGroups, DuplicatesByTheirPrintedTextAndAscendingInsertion)
@@ -60,8 +60,8 @@ TEST(HotGroups, DuplicatesByTheirPrintedTextAndAscendingInsertion)
 TEST(HotGroups, ApplyRefusesSmallGroupsAndKeepsSurvivingCurves)
 {
     PLASTIC_HOT dataSet;
-    EXPECT_EQ(applyGroups(dataSet, {"1"}, {}, {}), kTooFewRates);  // rates are checked first
-    EXPECT_EQ(applyGroups(dataSet, {"0.1", "1"}, {}, {}), kNoTemperature);
+    EXPECT_EQ(applyGroups(dataSet, {"1"}, {}, {}), std::string_view("The strain-rate group need at least two number of items"));  // rates are checked first
+    EXPECT_EQ(applyGroups(dataSet, {"0.1", "1"}, {}, {}), std::string_view("The temperature group need at least one number of items"));
     EXPECT_TRUE(dataSet.curves.empty());
 
     ASSERT_EQ(applyGroups(dataSet, {"0.1", "1"}, {"900", "1000"}, {"0.2"}), "");
@@ -225,7 +225,7 @@ TEST_F(RawCurveFileTest, WrittenOnlyWhereTheScreenWritesItAndImportedFromMemory)
     // The exchange folder under a file can't be made; the earlier file stays.
     std::string ignored;
     ASSERT_TRUE(saveFileAtomically(folder_ / "file", "x", ignored));
-    EXPECT_EQ(writeRawCurveFile(u"0.3 1\r\n", folder_ / "file" / "sub"), kNoExchangeFolder);
+    EXPECT_EQ(writeRawCurveFile(u"0.3 1\r\n", folder_ / "file" / "sub"), std::string_view(R"(It did not create Directory(c:\temp\ZELKO).)"));
     EXPECT_EQ(dataSet.curves[0][0].size(), 2u);
     EXPECT_TRUE(test::sameBytes(*readFileBytes(folder_ / "tmp.txt", error), rawCurveFileBytes(text)));
 }
