@@ -8,6 +8,7 @@
 #include "cli/commands.h"
 #include "cli/materialio.h"
 #include "cli/messages.h"
+#include "base/exchangefolder.h"
 #include "cold/coldfit.h"
 #include "cold/coldlaws.h"
 #include "cold/curvefile.h"
@@ -22,8 +23,8 @@ namespace {
 constexpr std::string_view kOutput = "-o";
 constexpr std::string_view kExport = "--export";
 
-// The law names of the command line, by the tensile screen's list index.
-constexpr std::array<std::string_view, kColdLawCount> kLawNames = {
+// The law names of the command line, by the tensile screen's list position.
+constexpr std::array<std::string_view, kColdLawListSize> kLawNames = {
     "", "swift", "hollomon", "ludwik", "kim-tuan", "hockett-sherby", "voce", "el-magd", "voyiadjis-abed"};
 
 // An option's value as its index in names.
@@ -109,7 +110,8 @@ int runFitCold(const ParsedArguments& args)
         || !numberOption(args, "--diameter", diameter, error)
         || !numberOption(args, "--gauge-length", gaugeLength, error))
         return fail(error);
-    if (law == 0)
+    const std::optional<ColdLawId> lawId = coldLawListEntry(law).law;
+    if (!lawId)
         return fail("option '--law': '' is not a law");
     // "percent" says what the second unit means for a stress-strain curve.
     lengthUnit = std::min(lengthUnit, 1);
@@ -151,10 +153,17 @@ int runFitCold(const ParsedArguments& args)
     record->weighted = args.flag("--weighted");
     record->polishWithLeastSquares = args.flag("--polish");
 
-    const ColdFitResult result = fitColdLaw(*record, law);
+    const ColdFitResult result = fitColdLaw(*record, *lawId, RunControl{});
     if (!result.law)
         return fail(fileMessage(curvePath, result.message));
-    project.libraryModel = record->heldModel;  // the record is the active model already
+    auto fitted = std::make_shared<RoomOri>(*record);
+    applyColdFit(result, *fitted);
+    project.setModel(fitted);
+    project.libraryModel = fitted->heldModel;
+    if (*lawId == ColdLawId::Swift) {
+        std::string ignored;  // the table is a convenience: no folder, no table
+        writeSwiftComparisonTable(*result.law, exchangeFolder(), ignored);
+    }
     if (const int status = printResult(result.text + "\n"); status != 0)
         return status;
     return saveResults(args, project);

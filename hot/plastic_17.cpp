@@ -62,6 +62,18 @@ double pairSlope(const HotStressTable& table, Group group, std::size_t a, std::s
     return count > 0 ? sum / count : 0.0;
 }
 
+// The objective as the descent sees it: every trial guarded, then evaluated.
+struct GuardedObjective {
+    const HenselSpittelObjective& law;
+    double objective(const HenselSpittelParameters& p) const { return law.objective(p); }
+    void gradient(const HenselSpittelParameters& p, HenselSpittelParameters& g) const { law.gradient(p, g); }
+    TrialCheck check(HenselSpittelParameters& trial, const HenselSpittelParameters& previous) const
+    {
+        law.guard(trial, previous);
+        return TrialCheck::Evaluate;
+    }
+};
+
 }  // namespace
 
 double henselSpittelStress(const HenselSpittelParameters& p, double strain, double strainRate, double temperature)
@@ -263,7 +275,8 @@ HotFitResult PLASTIC_17::fit(const HotFitOptions& options, const HotProgress& pr
     settings.maxIterations = options.maxIterations;
     settings.initialStep = options.initialStep;
     settings.fixedMask = switches | (1u << M6);
-    const DescentOutcome outcome = steepestDescent(objective, best, settings, report);
+    const DescentOutcome outcome
+        = steepestDescent<RestartingStepRules>(GuardedObjective{objective}, best, settings, RunControl{progress, {}});
     parameters = best;
 
     result.fitted = true;
@@ -275,6 +288,9 @@ HotFitResult PLASTIC_17::fit(const HotFitOptions& options, const HotProgress& pr
     case DescentStop::NonFiniteParameter: result.stopReason = "a trial parameter was not finite"; break;
     case DescentStop::StepTooSmall: result.stopReason = "step below 1e-8 without improvement"; break;
     case DescentStop::FlatGradient: result.stopReason = "no gradient to follow"; break;
+    case DescentStop::Cancelled: result.stopReason = "stopped on request"; break;
+    case DescentStop::TargetReached:
+    case DescentStop::NonFiniteStart: break;  // not among these rules' stops
     }
     const FitError error = fitErrorOf(*this, table);
     describeTable(table, error, result);
