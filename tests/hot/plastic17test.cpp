@@ -253,6 +253,21 @@ TEST(HenselSpittelFit, MeasuredSeriesReportAndProgress)
         EXPECT_EQ(lines[2 + i], formatText(" %s = %g", names[i], model->parameters[index[i]]));
 }
 
+TEST(HenselSpittelFit, MeasuredSeriesGivesItsRecordedReportAndDescent)
+{
+    // The report, where the descent stopped and how long it took, byte for byte:
+    // a change to the descent's rules shows here first.
+    auto model = createHotModel(17, test::measuredDataSet());
+    const HotFitResult result = model->fit({});
+    const std::string actual = result.report + "stop: " + result.stopReason + "\n" +
+                               formatText("iterations: %d\nevaluations: %ld\n", result.iterations, result.evaluations);
+    std::string error;
+    const auto expected
+        = readFileBytes(ZELKO_TEST_DATA "/hot-fits/hensel-spittel-measured/expected.txt", error);
+    ASSERT_TRUE(expected) << error;
+    EXPECT_TRUE(test::sameBytes(actual, *expected));
+}
+
 TEST(HenselSpittelFit, BadDataEndsQuietly)
 {
     PLASTIC_HOT dataSet = steelDataSet();
