@@ -13,13 +13,13 @@ int main()
     std::printf("|---|---|---|---|---|\n");
     for (const bool noisy : {false, true}) {
         const zelko::RoomOri record = zelko::bench::trueCurveRecord(noisy);
-        for (int index = 1; index < zelko::kColdLawCount; ++index) {
-            auto law = zelko::makeColdLaw(index, record);
+        for (const zelko::ColdLawId id : zelko::kColdLaws) {
+            auto law = zelko::makeColdLaw(id, record);
             const std::vector<double> start = law->startParameters();
             const std::size_t n = law->fittedPoints().size();
             law->fitPlain();
             const std::vector<double> optimum = zelko::levenbergMarquardt(*law, start, 20000);
-            std::printf("| %s | %s | %.4g | %.4g | %.4g |\n", zelko::coldLawListEntry(index), noisy ? "noisy" : "clean",
+            std::printf("| %s | %s | %.4g | %.4g | %.4g |\n", zelko::coldLawTitle(id), noisy ? "noisy" : "clean",
                         law->objective(start, n), law->fitError, law->objective(optimum, n));
         }
     }

@@ -2,9 +2,9 @@
 // curves), and how far the Hensel-Spittel descent stops from a bounded
 // least-squares optimum of the same law and objective. Prints Markdown tables.
 //
-// The optimum comes from Eigen's Levenberg-Marquardt (unsupported module), as the
-// cold comparison does: a trial outside the bounds is evaluated at the nearest
-// bound. The bounds are the descent's guards: (1 + ε)^m5 within [0.9, 1.1] at the
+// The optimum comes from the bounded Levenberg-Marquardt of numerics/leastsquares,
+// as the cold comparison's does: a trial outside the bounds is evaluated at the
+// nearest bound. The bounds are the descent's guards: (1 + ε)^m5 within [0.9, 1.1] at the
 // extreme sample strains, ε̇^(m8·T) within [0.1, 10] at the extreme rates and
 // temperatures, |m1| at least 0.8 of its starting value on its sign's side, A > 0.
 #include <cmath>
@@ -12,12 +12,12 @@
 #include <string>
 
 #include <Eigen/Core>
-#include <unsupported/Eigen/NonLinearOptimization>
 
 #include "bench/hotcurves.h"
 #include "hot/hotmodels.h"
 #include "hot/plastic_17.h"
 #include "hot/stresstable.h"
+#include "numerics/leastsquares.h"
 
 namespace {
 
@@ -33,11 +33,6 @@ struct Entry {
 
 class HenselSpittelResiduals {
 public:
-    using Scalar = double;
-    using InputType = Eigen::VectorXd;
-    using ValueType = Eigen::VectorXd;
-    using JacobianType = Eigen::MatrixXd;
-
     HenselSpittelResiduals(const PLASTIC_HOT& dataSet, const HotStressTable& table, double startM1)
     {
         for (std::size_t t = 0; t < table.temperatureCount(); ++t)
@@ -65,16 +60,23 @@ public:
             lo_[M1] = 0.8 * startM1;
     }
 
-    int inputs() const { return kInputs; }
-    int values() const { return static_cast<int>(entries_.size()); }
+    ResidualProblem problem() const
+    {
+        return {static_cast<int>(entries_.size()),
+                [this](const Eigen::VectorXd& x, Eigen::VectorXd& r) { residuals(x, r); },
+                [this](const Eigen::VectorXd& x, Eigen::MatrixXd& j) { jacobian(x, j); }};
+    }
+    Eigen::VectorXd lower() const { return freeOf(lo_); }
+    Eigen::VectorXd upper() const { return freeOf(hi_); }
 
     HenselSpittelParameters parametersOf(const Eigen::VectorXd& x) const
     {
         HenselSpittelParameters p{};
         for (int i = 0; i < kInputs; ++i)
-            p[kFree[i]] = std::clamp(x[i], lo_[kFree[i]], hi_[kFree[i]]);
+            p[kFree[i]] = x[i];
         return p;
     }
+    // The free parameters of p, each within its bounds.
     Eigen::VectorXd inputOf(const HenselSpittelParameters& p) const
     {
         Eigen::VectorXd x(kInputs);
@@ -83,7 +85,16 @@ public:
         return x;
     }
 
-    int operator()(const Eigen::VectorXd& x, Eigen::VectorXd& residuals) const
+private:
+    static Eigen::VectorXd freeOf(const HenselSpittelParameters& p)
+    {
+        Eigen::VectorXd x(kInputs);
+        for (int i = 0; i < kInputs; ++i)
+            x[i] = p[kFree[i]];
+        return x;
+    }
+
+    void residuals(const Eigen::VectorXd& x, Eigen::VectorXd& residuals) const
     {
         const HenselSpittelParameters p = parametersOf(x);
         for (std::size_t e = 0; e < entries_.size(); ++e) {
@@ -91,10 +102,9 @@ public:
             const double r = henselSpittelStress(p, n.strain, n.rate, n.temperature) - n.stress;
             residuals[static_cast<Eigen::Index>(e)] = std::isfinite(r) ? r : 1e10;
         }
-        return 0;
     }
 
-    int df(const Eigen::VectorXd& x, Eigen::MatrixXd& jacobian) const
+    void jacobian(const Eigen::VectorXd& x, Eigen::MatrixXd& jacobian) const
     {
         const HenselSpittelParameters p = parametersOf(x);
         for (std::size_t e = 0; e < entries_.size(); ++e) {
@@ -107,10 +117,8 @@ public:
             for (int i = 0; i < kInputs; ++i)
                 jacobian(static_cast<Eigen::Index>(e), i) = std::isfinite(d[i]) ? d[i] : 0.0;
         }
-        return 0;
     }
 
-private:
     std::vector<Entry> entries_;
     HenselSpittelParameters lo_{}, hi_{};
 };
@@ -128,14 +136,12 @@ Measures measure(const PLASTIC_17& model, const HotStressTable& table)
 PLASTIC_17 boundedOptimum(const PLASTIC_HOT& dataSet, const HotStressTable& table, const HenselSpittelParameters& from,
                           double startM1)
 {
-    HenselSpittelResiduals residuals(dataSet, table, startM1);
-    Eigen::VectorXd x = residuals.inputOf(from);
-    Eigen::LevenbergMarquardt<HenselSpittelResiduals> solver(residuals);
-    solver.parameters.maxfev = 20000;
-    solver.minimize(x);
+    const HenselSpittelResiduals residuals(dataSet, table, startM1);
+    const BoundedFit fit = boundedLevenbergMarquardt(residuals.problem(), residuals.inputOf(from), residuals.lower(),
+                                                     residuals.upper(), 20000);
     PLASTIC_17 optimum;
     static_cast<PLASTIC_HOT&>(optimum) = dataSet;
-    optimum.parameters = residuals.parametersOf(x);
+    optimum.parameters = residuals.parametersOf(fit.x);
     return optimum;
 }
 

@@ -8,12 +8,8 @@
 #include "cli/commands.h"
 #include "cli/materialio.h"
 #include "cli/messages.h"
-#include "cold/coldfit.h"
-#include "cold/coldlaws.h"
 #include "cold/curvefile.h"
-#include "cold/plastic_8.h"
-#include "cold/tensilereduction.h"
-#include "material/libraryexport.h"
+#include "material/tensilechain.h"
 
 namespace zelko::cli {
 
@@ -22,8 +18,8 @@ namespace {
 constexpr std::string_view kOutput = "-o";
 constexpr std::string_view kExport = "--export";
 
-// The law names of the command line, by the tensile screen's list index.
-constexpr std::array<std::string_view, kColdLawCount> kLawNames = {
+// The law names of the command line, by the tensile screen's list position.
+constexpr std::array<std::string_view, kColdLawListSize> kLawNames = {
     "", "swift", "hollomon", "ludwik", "kim-tuan", "hockett-sherby", "voce", "el-magd", "voyiadjis-abed"};
 
 // An option's value as its index in names.
@@ -47,72 +43,50 @@ bool choiceOption(const ParsedArguments& args, std::string_view option, std::spa
     return false;
 }
 
-// The material's tensile record: the one it holds, or a new one when it has none.
-bool tensileRecord(Project& project, const std::string& path, std::shared_ptr<RoomOri>& record, std::string& error)
-{
-    if (!project.activeModel) {
-        record = std::make_shared<RoomOri>();
-        project.setModel(record);
-        return true;
-    }
-    record = std::dynamic_pointer_cast<RoomOri>(project.activeModel);
-    if (!record || record->modelKind != ColdModel) {
-        error = fileMessage(path, "the material holds a hot flow-stress model, not a tensile record");
-        return false;
-    }
-    return true;
-}
-
 // Saves the material and, when asked, its library entry with the record's model.
-int saveResults(const ParsedArguments& args, const Project& project)
+int saveResults(const ParsedArguments& args, MaterialDocument& document, Project edited)
 {
+    document.commit(std::move(edited));
     std::string error;
-    if (!saveMaterial(*args.option(kOutput), project, error))
+    if (!saveMaterial(*args.option(kOutput), document, error))
         return fail(error);
     if (const std::string* library = args.option(kExport)) {
-        TextWriter entry(TextEncoding::EightBit);
-        if (!writeLibraryEntry(project, entry))
-            warn(fileMessage(*library, "the model writes no block of its own; the entry has none"));
-        if (!saveText(*library, entry, error))
+        bool wroteModelBlock = false;
+        if (!exportMaterial(*library, document, wroteModelBlock, error))
             return fail(error);
+        if (!wroteModelBlock)
+            warn(fileMessage(*library, "the model writes no block of its own; the entry has none"));
     }
     return 0;
-}
-
-int indexOfMaximumStress(const Curve& curve)
-{
-    const auto highest = std::max_element(curve.begin(), curve.end(),
-                                          [](const CurvePoint& a, const CurvePoint& b) { return a.y < b.y; });
-    return static_cast<int>(highest - curve.begin());
 }
 
 int runFitCold(const ParsedArguments& args)
 {
     const std::string& materialPath = args.positionals[0];
-    Project project;
+    MaterialDocument document;
     std::string error;
-    if (!loadMaterial(materialPath, project, error))
+    if (!openMaterial(materialPath, document, error))
         return fail(error);
-    std::shared_ptr<RoomOri> record;
-    if (!tensileRecord(project, materialPath, record, error))
-        return fail(error);
+    if (const std::string refusal = tensileRecordRefusal(document.material()); !refusal.empty())
+        return fail(fileMessage(materialPath, refusal));
 
-    int kind = 0, lengthUnit = 0, forceUnit = 0, law = 0;
-    double diameter = 0, gaugeLength = 0;
+    TensileTest test;
+    int law = 0;
     static constexpr std::string_view kInputs[] = {"load", "engineering", "true"};
     static constexpr std::string_view kLengthUnits[] = {"mm", "inch", "percent"};
     static constexpr std::string_view kForceUnits[] = {"N", "kN", "kgf", "ton", "lbf"};
-    if (!choiceOption(args, "--input", kInputs, kind, error)
-        || !choiceOption(args, "--length-unit", kLengthUnits, lengthUnit, error)
-        || !choiceOption(args, "--force-unit", kForceUnits, forceUnit, error)
+    if (!choiceOption(args, "--input", kInputs, test.inputKind, error)
+        || !choiceOption(args, "--length-unit", kLengthUnits, test.lengthUnit, error)
+        || !choiceOption(args, "--force-unit", kForceUnits, test.forceUnit, error)
         || !choiceOption(args, "--law", kLawNames, law, error)
-        || !numberOption(args, "--diameter", diameter, error)
-        || !numberOption(args, "--gauge-length", gaugeLength, error))
+        || !numberOption(args, "--diameter", test.diameter, error)
+        || !numberOption(args, "--gauge-length", test.gaugeLength, error))
         return fail(error);
-    if (law == 0)
+    const std::optional<ColdLawId> lawId = coldLawListEntry(law).law;
+    if (!lawId)
         return fail("option '--law': '' is not a law");
     // "percent" says what the second unit means for a stress-strain curve.
-    lengthUnit = std::min(lengthUnit, 1);
+    test.lengthUnit = std::min(test.lengthUnit, 1);
 
     const std::string& curvePath = *args.option("--curve");
     const auto bytes = readInput(curvePath, error);
@@ -121,92 +95,77 @@ int runFitCold(const ParsedArguments& args)
     std::optional<Curve> curve = readCurveText(*bytes, error);
     if (!curve)
         return fail(fileMessage(curvePath, error));
+    test.curve = std::move(*curve);
+    const EnteredTest entered = enterTensileTest(document.material(), test);
+    if (!entered.record)
+        return fail(entered.error);
 
-    record->inputKind = kind;
-    record->lengthUnit = lengthUnit;
-    record->forceUnit = forceUnit;
-    record->diameter = diameter;
-    record->gaugeLength = gaugeLength;
-    record->curves = {};
-    record->curves[static_cast<std::size_t>(kind)] = std::move(*curve);
-    if (const auto message = convertEnteredUnits(*record))
-        return fail(*message);
-    double area = 0.0;
-    if (const auto message = deriveCurveForms(*record, area))
-        return fail(*message);
-
-    const int last = static_cast<int>(record->inputCurve().size()) - 1;
-    long long start = 0, necking = indexOfMaximumStress(record->curves[EngineeringCurve]);
-    long long iterations = record->maxIterations;
+    const int last = static_cast<int>(entered.record->inputCurve().size()) - 1;
+    TensileFitSettings settings;
+    long long start = 0, necking = 0, iterations = 0;
+    double targetError = 0.0;
     if ((args.option("--start") && !integerOption(args, "--start", 0, last, start, error))
         || (args.option("--necking") && !integerOption(args, "--necking", 0, last, necking, error))
         || (args.option("--max-iter") && !integerOption(args, "--max-iter", 0, 100000000, iterations, error))
-        || (args.option("--target-error") && !numberOption(args, "--target-error", record->targetError, error)))
+        || (args.option("--target-error") && !numberOption(args, "--target-error", targetError, error)))
         return fail(error);
-    record->startIndex = static_cast<int>(start);
-    record->neckingIndex = static_cast<int>(necking);
-    record->endIndex = last;
-    record->maxIterations = static_cast<int>(iterations);
-    record->neckingConstraint = args.flag("--necking-constraint");
-    record->weighted = args.flag("--weighted");
-    record->polishWithLeastSquares = args.flag("--polish");
+    settings.startIndex = static_cast<int>(start);
+    if (args.option("--necking"))
+        settings.neckingIndex = static_cast<int>(necking);
+    if (args.option("--max-iter"))
+        settings.maxIterations = static_cast<int>(iterations);
+    if (args.option("--target-error"))
+        settings.targetError = targetError;
+    settings.neckingConstraint = args.flag("--necking-constraint");
+    settings.weighted = args.flag("--weighted");
+    settings.polish = args.flag("--polish");
 
-    const ColdFitResult result = fitColdLaw(*record, law);
-    if (!result.law)
-        return fail(fileMessage(curvePath, result.message));
-    if (const int status = printResult(result.text + "\n"); status != 0)
+    TensileFit fit = fitTensileLaw(document.material(), *entered.record, *lawId, settings, document.environment());
+    if (!fit.material)
+        return fail(fileMessage(curvePath, fit.error));
+    if (const int status = printResult(fit.text + "\n"); status != 0)
         return status;
-    return saveResults(args, project);
+    return saveResults(args, document, std::move(*fit.material));
 }
 
-// The record of the material, with its load-displacement curve derived if needed.
-bool jobRecord(const ParsedArguments& args, Project& project, std::shared_ptr<RoomOri>& record, std::string& error)
+// The record of the material, ready for the solver.
+std::shared_ptr<RoomOri> jobRecord(const ParsedArguments& args, MaterialDocument& document, std::string& error)
 {
     const std::string& path = args.positionals[0];
-    if (!loadMaterial(path, project, error))
-        return false;
-    if (!project.activeModel || !tensileRecord(project, path, record, error)) {
-        if (error.empty())
-            error = fileMessage(path, "the material holds no tensile record");
-        return false;
-    }
-    if (record->curves[LoadDisplacement].empty()) {
-        double area = 0.0;
-        if (const auto message = deriveCurveForms(*record, area)) {
-            error = fileMessage(path, *message);
-            return false;
-        }
-    }
-    return true;
+    if (!openMaterial(path, document, error))
+        return nullptr;
+    std::shared_ptr<RoomOri> record = tensileJobRecord(document.material(), error);
+    if (!record)
+        error = fileMessage(path, error);
+    return record;
 }
 
 int runTensileJob(const ParsedArguments& args)
 {
-    Project project;
-    std::shared_ptr<RoomOri> record;
+    MaterialDocument document;
     std::string error;
-    if (!jobRecord(args, project, record, error))
+    const std::shared_ptr<RoomOri> record = jobRecord(args, document, error);
+    if (!record)
         return fail(error);
     const std::string& job = *args.option("--job");
     if (!writeTensileJob(*record, job, TensileJobSettings{}, error)
-        || (args.flag("--run") && !startTensileSolver(job, error)))
+        || (args.flag("--run") && !startTensileSolver(job, document.environment(), error)))
         return fail(fileMessage(job, error));
     return 0;
 }
 
 int runTensileResult(const ParsedArguments& args)
 {
-    Project project;
-    std::shared_ptr<RoomOri> record;
+    MaterialDocument document;
     std::string error;
-    if (!jobRecord(args, project, record, error))
+    const std::shared_ptr<RoomOri> record = jobRecord(args, document, error);
+    if (!record)
         return fail(error);
     const std::string& job = *args.option("--job");
-    auto model = std::make_shared<PLASTIC_8>(*record);
-    if (const TensileResultStatus status = readTensileResult(job, *model); status != TensileResultStatus::Read)
-        return fail(fileMessage(job, tensileResultMessage(status)));
-    record->heldModel = model;
-    return saveResults(args, project);
+    TensileResult result = readTensileJobResult(document.material(), *record, job);
+    if (!result.material)
+        return fail(fileMessage(job, tensileResultMessage(result.status)));
+    return saveResults(args, document, std::move(*result.material));
 }
 
 }  // namespace

@@ -3,25 +3,49 @@
 #include <array>
 #include <cmath>
 
-#include "cold/coldlaws.h"
-#include "cold/lawpolish.h"
-#include "cold/tensilereduction.h"
 #include "base/exchangefolder.h"
 #include "base/fileio.h"
 #include "base/numbers.h"
+#include "base/textfile.h"
+#include "cold/lawpolish.h"
+#include "cold/tensilereduction.h"
 
 namespace zelko {
 
 namespace {
 
-void writeSwiftComparisonFile(const ColdLaw& swift)
+// The fit's progress over its descents: each one's 0 to 100 mapped onto its
+// share of the whole, reported only when the whole's percent changes.
+class StagedProgress {
+public:
+    explicit StagedProgress(const RunControl& whole) : whole_(whole) {}
+
+    RunControl stage(int from, int to)
+    {
+        RunControl part;
+        part.stop = whole_.stop;
+        if (whole_.progress)
+            part.progress = [this, from, to](int percent) { report(from + percent * (to - from) / 100); };
+        return part;
+    }
+    void report(int percent)
+    {
+        if (percent != reported_) {
+            reported_ = percent;
+            whole_.report(percent);
+        }
+    }
+
+private:
+    const RunControl& whole_;
+    int reported_ = -1;
+};
+
+ColdFitResult cancelled()
 {
-    std::string error;
-    if (!ensureExchangeFolder(error))
-        return;  // the table is a convenience: no folder, no table
-    TextWriter out(TextEncoding::Utf16Le);
-    out.put(swiftComparisonTable(swift));
-    saveFileAtomically(exchangeFolder() / "ZELKO_MAT_PL1.dat", out.bytes(), error);
+    ColdFitResult result;
+    result.cancelled = true;
+    return result;
 }
 
 }  // namespace
@@ -41,10 +65,20 @@ std::string swiftComparisonTable(const ColdLaw& swift)
     return table;
 }
 
-ColdFitResult fitColdLaw(RoomOri& record, int listIndex)
+bool writeSwiftComparisonTable(const ColdLaw& swift, const std::filesystem::path& exchangeFolder, std::string& error)
+{
+    if (!ensureFolder(exchangeFolder, error))
+        return false;
+    TextWriter out(TextEncoding::Utf16Le);
+    out.put(swiftComparisonTable(swift));
+    return saveFileAtomically(exchangeFolder / "ZELKO_MAT_PL1.dat", out.bytes(), error);
+}
+
+ColdFitResult fitColdLaw(const RoomOri& record, ColdLawId id, const RunControl& control)
 {
     ColdFitResult result;
-    if (listIndex < 1 || listIndex >= kColdLawCount) {
+    std::shared_ptr<ColdLaw> law = makeColdLaw(id, record);
+    if (!law) {
         result.message = "There is no hardening law with that number.";
         return result;
     }
@@ -53,44 +87,55 @@ ColdFitResult fitColdLaw(RoomOri& record, int listIndex)
             result.message = "At least two points are needed between the start and the necking point.";
             return result;
         }
-        std::optional<Curve> trueCurve = trueCurveFromEngineering(record);
-        if (!trueCurve) {
+        result.trueCurve = trueCurveFromEngineering(record);
+        if (!result.trueCurve) {
             result.message = "The engineering curve has no valid points between the start and the necking point.";
             return result;
         }
-        record.curves[TrueCurve] = std::move(*trueCurve);
+        law->curves[TrueCurve] = *result.trueCurve;
     }
-    if (!allFinite(record.curves[TrueCurve], [](const CurvePoint& p) { return std::array{p.x, p.y, p.weight}; })) {
+    if (!allFinite(law->curves[TrueCurve], [](const CurvePoint& p) { return std::array{p.x, p.y, p.weight}; })) {
         result.message = "The true curve holds a value that is not a number.";
         return result;
     }
-
-    std::shared_ptr<ColdLaw> law = makeColdLaw(listIndex, record);
     if (law->fittedPoints().size() < 2) {
         result.message = "At least two points are needed between the start and the necking point.";
         return result;
     }
+
     law->parameters.assign(law->parameterCount(), 0.0);
     if (!law->automaticStart)
         law->takeInitialValues();
-    if (!law->weighted || law->automaticStart) {
-        if (law->neckingConstraint)
-            law->fitNeckingConstrained();
-        else
-            law->fitPlain();
+    const bool first = !law->weighted || law->automaticStart;
+    const bool second = law->weighted;
+    StagedProgress progress(control);
+    bool finished = true;
+    if (first) {
+        const RunControl stage = progress.stage(0, second ? 50 : 100);
+        finished = law->neckingConstraint ? law->fitNeckingConstrained(stage) : law->fitPlain(stage);
     }
-    if (law->weighted)
-        law->fitWeighted();
+    if (finished && second)
+        finished = law->fitWeighted(progress.stage(first ? 50 : 0, 100));
     // The polish minimises the plain error, so it would undo a constrained or weighted fit.
-    if (law->polishWithLeastSquares && !law->neckingConstraint && !law->weighted)
-        polishWithLevenbergMarquardt(*law);
+    if (finished && law->polishWithLeastSquares && !law->neckingConstraint && !law->weighted)
+        finished = polishWithLevenbergMarquardt(*law, control);
+    if (!finished)
+        return cancelled();
+    progress.report(100);
 
     result.text = law->resultText();
-    if (listIndex == 1)
-        writeSwiftComparisonFile(*law);
-    record.heldModel = law->clone();
     result.law = law;
     return result;
+}
+
+void applyColdFit(const ColdFitResult& result, RoomOri& record)
+{
+    if (result.cancelled)
+        return;
+    if (result.trueCurve)
+        record.curves[TrueCurve] = *result.trueCurve;
+    if (result.law)
+        record.heldModel = result.law->clone();
 }
 
 }  // namespace zelko

@@ -1,27 +1,39 @@
 #pragma once
 // Choosing a hardening law for a tensile record: the fit the screen and the
-// command-line tool both run.
+// command-line tool both run. The fit changes nothing and writes nothing: its
+// caller applies the result to its own copy of the record.
 
+#include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 
-#include "cold/coldlaw.h"
+#include "base/runcontrol.h"
+#include "cold/coldlaws.h"
 
 namespace zelko {
 
 struct ColdFitResult {
-    std::shared_ptr<ColdLaw> law;  // the fitted law; empty when nothing ran
-    std::string text;              // the result text, as the screen shows it
-    std::string message;           // why nothing ran
+    std::shared_ptr<ColdLaw> law;    // the fitted law; empty when nothing ran or the fit was stopped
+    std::optional<Curve> trueCurve;  // the true curve rebuilt from the engineering one, for the record
+    std::string text;                // the result text, as the screen shows it
+    std::string message;             // why nothing ran
+    bool cancelled = false;          // a stop request ended the fit; nothing to apply
 };
 
-// Fits the law of the selection list's index (1 to 8) to the record: rebuilds the
-// true curve from the engineering one unless the curve was entered as true,
-// fits, and makes a copy of the fitted law the record's held model. For the Swift
-// law the comparison table is written into the exchange folder (when it can be).
-ColdFitResult fitColdLaw(RoomOri& record, int listIndex);
+// Fits the law to the record: rebuilds the true curve from the engineering one
+// unless the curve was entered as true, then fits from the law's start. Progress
+// runs from 0 to 100 through the descents; a stop request ends the fit early.
+ColdFitResult fitColdLaw(const RoomOri& record, ColdLawId law, const RunControl& control);
+
+// What a fit leaves in the record: the rebuilt true curve and a copy of the law
+// as its held model. A cancelled result leaves the record as it was.
+void applyColdFit(const ColdFitResult& result, RoomOri& record);
 
 // The Swift comparison table: strain, measured and predicted stress, error in %.
 std::string swiftComparisonTable(const ColdLaw& swift);
+// The table as ZELKO_MAT_PL1.dat in the exchange folder (made when missing), for
+// the external plot; false with a reason when it can't be written.
+bool writeSwiftComparisonTable(const ColdLaw& swift, const std::filesystem::path& exchangeFolder, std::string& error);
 
 }  // namespace zelko

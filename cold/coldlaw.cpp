@@ -3,16 +3,17 @@
 #include <algorithm>
 #include <cmath>
 
+#include "numerics/descent.h"
+
 namespace zelko {
 
 namespace {
 
-constexpr double kStepFloor = 1e-21;
-constexpr double kGradientFloor = 1e-21;
-
 // The necking-constrained fit searches s0 over 0.0001, 0.0002, ..., 1.0.
 constexpr double kGridStep = 0.0001;
 constexpr int kGridSteps = 10000;
+// A tenth of the grid costs well under a millisecond.
+constexpr int kGridStepsBetweenStopChecks = 1000;
 
 }  // namespace
 
@@ -150,147 +151,150 @@ std::vector<double> ColdLaw::sumOfSquaresGradient(const std::vector<double>& p) 
     return g;
 }
 
-void ColdLaw::fitPlain() { startAndDescend(false); }
+bool ColdLaw::fitPlain(const RunControl& control) { return startAndDescend(false, control); }
 
-void ColdLaw::fitNeckingConstrained() { startAndDescend(true); }
+bool ColdLaw::fitNeckingConstrained(const RunControl& control) { return startAndDescend(true, control); }
 
-void ColdLaw::startAndDescend(bool neckingPenalty)
+bool ColdLaw::startAndDescend(bool neckingPenalty, const RunControl& control)
 {
     const FitPoints points = fittedPoints();
     parameters.resize(parameterCount());
     if (automaticStart && !points.strain.empty())
         estimateStart(points, parameters.data());
-    descend(points, Residuals::Plain, neckingPenalty);
+    return descend(points, Residuals::Plain, neckingPenalty, control);
 }
 
-void ColdLaw::fitWeighted()
+bool ColdLaw::fitWeighted(const RunControl& control)
 {
     const FitPoints points = fittedPoints();
     parameters.resize(parameterCount());
-    descend(points, Residuals::Weighted, false);
+    return descend(points, Residuals::Weighted, false, control);
 }
 
-// Normalised steepest descent: step against the unit gradient, grow the step by
-// 1.1 after an accepted move, halve it after a refused one, stop below the floor.
-void ColdLaw::descend(const FitPoints& points, Residuals mode, bool neckingPenalty)
-{
-    const std::size_t count = parameterCount();
-    const std::vector<ParameterBound> table = bounds();
-    for (std::size_t i = 0; i < count; ++i)
-        if (isFixed(i))
-            parameters[i] = table[i].initial;
+// The law as the descent engine sees it. An evaluation goes into the trial
+// buffers; an accepted one becomes the current evaluation, which the gradient uses.
+class ColdLaw::Descent {
+public:
+    Descent(const ColdLaw& law, const FitPoints& points, Residuals mode, bool neckingPenalty, const RunControl& control)
+        : law_(law), points_(points), mode_(mode), control_(control), table_(law.bounds()), work_(points.size()),
+          trialWork_(points.size()), shifted_(law.parameterCount())
+    {
+        penalised_ = neckingPenalty && law.neckingPoint(neckStrain_, neckStress_);
+        const int grid = law.neckingGridParameter();
+        grid_ = penalised_ && grid >= 0 && !law.isFixed(static_cast<std::size_t>(grid)) ? grid : -1;
+    }
 
-    const std::size_t n = points.size();
-    FitWork work(n), trialWork(n);
-    std::vector<double> g(count), trial(count);
-
-    double neckStrain = 0.0, neckStress = 0.0;
-    const bool penalised = neckingPenalty && neckingPoint(neckStrain, neckStress);
-    const int grid = penalised && gridParameter() >= 0 && !isFixed(static_cast<std::size_t>(gridParameter()))
-                         ? gridParameter()
-                         : -1;
     // The combined error: sqrt((N E^2 + P^2) / (N + 1)), P the necking mismatch.
-    const auto penalty = [&](const double* p) {
-        const double mismatch = slopeAt(neckStrain, p) - neckStress;
-        return neckingPenaltyWeight * mismatch * mismatch;
-    };
-    const auto evaluate = [&](const double* p, FitWork& into) {
-        evaluateAll(points, p, n, into);
-        const double e = errorOf(points, into, mode, n);
-        if (!penalised)
+    double objective(const std::vector<double>& p)
+    {
+        const std::size_t n = points_.size();
+        law_.evaluateAll(points_, p.data(), n, trialWork_);
+        const double e = law_.errorOf(points_, trialWork_, mode_, n);
+        if (!penalised_)
             return e;
         const double nd = static_cast<double>(n);
-        return std::sqrt((nd * e * e + penalty(p)) / (nd + 1.0));
-    };
+        return std::sqrt((nd * e * e + penalty(p.data())) / (nd + 1.0));
+    }
 
-    int iteration = 0;
-    double error = evaluate(parameters.data(), work);
-    fitError = error;
-    if (maxIterations < 1 || n == 0 || !std::isfinite(error))
-        return;
-    double h = 1.0;
-    for (;;) {
-        for (std::size_t i = 0; i < n; ++i) {
-            double r = work.model[i] - points.stress[i];
+    void accept() { work_.swap(trialWork_); }
+
+    void gradient(const std::vector<double>& p, std::vector<double>& g)
+    {
+        for (std::size_t i = 0; i < points_.size(); ++i) {
+            double r = work_.model[i] - points_.stress[i];
             double factor = 2.0 * r;
-            if (mode == Residuals::Weighted) {
-                const double w = points.weight[i];
+            if (mode_ == Residuals::Weighted) {
+                const double w = points_.weight[i];
                 r *= w;
                 if (r == 0.0)
                     r = 1e-10;  // keeps a point that fits exactly in the weighted gradient
                 factor = 2.0 * r * w;
             }
-            work.factor[i] = factor;
+            work_.factor[i] = factor;
         }
-        gradientAll(points, parameters.data(), work, g.data());
-        if (penalised) {
+        law_.gradientAll(points_, p.data(), work_, g.data());
+        if (penalised_) {
             // The penalty's own gradient, by central differences of the law's slope.
-            for (std::size_t k = 0; k < count; ++k) {
-                trial = parameters;
-                const double delta = 1e-7 * std::max(1.0, std::fabs(parameters[k]));
-                trial[k] = parameters[k] + delta;
-                const double up = penalty(trial.data());
-                trial[k] = parameters[k] - delta;
-                const double down = penalty(trial.data());
+            for (std::size_t k = 0; k < g.size(); ++k) {
+                shifted_ = p;
+                const double delta = 1e-7 * std::max(1.0, std::fabs(p[k]));
+                shifted_[k] = p[k] + delta;
+                const double up = penalty(shifted_.data());
+                shifted_[k] = p[k] - delta;
+                const double down = penalty(shifted_.data());
                 g[k] += (up - down) / (2.0 * delta);
             }
         }
-        maskGradient(g.data());
-        if (grid >= 0)
-            g[static_cast<std::size_t>(grid)] = 0.0;
-        double norm = 0.0;
-        for (const double v : g)
-            norm += v * v;
-        norm = std::sqrt(norm);
-        if (!(norm >= kGradientFloor))
-            return;
-
-        bool accepted = false;
-        while (!accepted) {
-            for (std::size_t k = 0; k < count; ++k)
-                trial[k] = parameters[k] - h * g[k] / norm;
-            if (grid >= 0) {
-                // s0 where the slope at necking meets the necking stress most closely.
-                double best = 1e21;
-                double bestValue = trial[static_cast<std::size_t>(grid)];
-                for (int step = 1; step <= kGridSteps; ++step) {
-                    trial[static_cast<std::size_t>(grid)] = kGridStep * step;
-                    const double mismatch = std::fabs(slopeAt(neckStrain, trial.data()) - neckStress);
-                    if (mismatch < best) {
-                        best = mismatch;
-                        bestValue = kGridStep * step;
-                    }
-                }
-                trial[static_cast<std::size_t>(grid)] = bestValue;
-            }
-            if (!admissible(trial.data())) {
-                h *= 0.5;
-                if (h < kStepFloor)
-                    return;
-                continue;
-            }
-            bool inside = true;
-            for (std::size_t k = 0; k < count; ++k)
-                inside = inside && trial[k] >= table[k].minimum && trial[k] <= table[k].maximum;
-            const double trialError = inside ? evaluate(trial.data(), trialWork) : error;
-            if (!inside || !(trialError < error)) {
-                if (h < kStepFloor)
-                    return;
-                h *= 0.5;
-                continue;
-            }
-            error = trialError;
-            fitError = error;
-            parameters = trial;
-            work.swap(trialWork);
-            h *= 1.1;
-            accepted = true;
-        }
-        if (error < targetError)
-            return;
-        if (++iteration >= maxIterations)
-            return;
+        law_.maskGradient(g.data());
+        if (grid_ >= 0)
+            g[static_cast<std::size_t>(grid_)] = 0.0;
     }
+
+    TrialCheck check(std::vector<double>& trial, const std::vector<double>&)
+    {
+        if (grid_ >= 0 && !searchGrid(trial))
+            return TrialCheck::Cancelled;
+        if (!law_.admissible(trial.data()))
+            return TrialCheck::Inadmissible;
+        for (std::size_t k = 0; k < trial.size(); ++k)
+            if (!(trial[k] >= table_[k].minimum && trial[k] <= table_[k].maximum))
+                return TrialCheck::Refused;
+        return TrialCheck::Evaluate;
+    }
+
+private:
+    double penalty(const double* p) const
+    {
+        const double mismatch = law_.slopeAt(neckStrain_, p) - neckStress_;
+        return law_.neckingPenaltyWeight * mismatch * mismatch;
+    }
+
+    // Puts s0 where the slope at necking meets the necking stress most closely;
+    // false when a stop request came during the search.
+    bool searchGrid(std::vector<double>& trial) const
+    {
+        const auto at = static_cast<std::size_t>(grid_);
+        double best = 1e21;
+        double bestValue = trial[at];
+        for (int step = 1; step <= kGridSteps; ++step) {
+            if (step % kGridStepsBetweenStopChecks == 0 && control_.stopRequested())
+                return false;
+            trial[at] = kGridStep * step;
+            const double mismatch = std::fabs(law_.slopeAt(neckStrain_, trial.data()) - neckStress_);
+            if (mismatch < best) {
+                best = mismatch;
+                bestValue = kGridStep * step;
+            }
+        }
+        trial[at] = bestValue;
+        return true;
+    }
+
+    const ColdLaw& law_;
+    const FitPoints& points_;
+    Residuals mode_;
+    const RunControl& control_;
+    std::vector<ParameterBound> table_;
+    FitWork work_, trialWork_;
+    std::vector<double> shifted_;
+    bool penalised_ = false;
+    int grid_ = -1;
+    double neckStrain_ = 0.0, neckStress_ = 0.0;
+};
+
+bool ColdLaw::descend(const FitPoints& points, Residuals mode, bool neckingPenalty, const RunControl& control)
+{
+    const std::vector<ParameterBound> table = bounds();
+    for (std::size_t i = 0; i < parameterCount(); ++i)
+        if (isFixed(i))
+            parameters[i] = table[i].initial;
+    Descent problem(*this, points, mode, neckingPenalty, control);
+    DescentSettings settings;
+    settings.maxIterations = points.size() == 0 ? 0 : maxIterations;
+    settings.target = targetError;
+    const DescentOutcome outcome = steepestDescent<GrowingStepRules>(problem, parameters, settings, control);
+    fitError = outcome.objective;
+    return outcome.stop != DescentStop::Cancelled;
 }
 
 }  // namespace zelko

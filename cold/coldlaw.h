@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "base/runcontrol.h"
 #include "cold/lawkernels.h"
 #include "models/roomori.h"
 
@@ -64,10 +65,11 @@ public:
     // The result text with the slope at the necking strain.
     virtual std::string resultText() const = 0;
 
-    // The fits. Each leaves the best accepted parameters and their error.
-    virtual void fitPlain();
-    virtual void fitNeckingConstrained();
-    void fitWeighted();
+    // The fits. Each leaves the best accepted parameters and their error, and
+    // returns false when a stop request ended it (what it leaves is then of no use).
+    bool fitPlain(const RunControl& control = {});
+    virtual bool fitNeckingConstrained(const RunControl& control = {});
+    bool fitWeighted(const RunControl& control = {});
     // The error of p over the first n fitted points (all when n exceeds them).
     double objective(const std::vector<double>& p, std::size_t n) const;
     // Gradient of the plain sum of squared residuals over the fitted points.
@@ -97,15 +99,16 @@ protected:
     // Zeroes what a fixed parameter holds still; Swift's fixed exponent also holds s0.
     virtual void maskGradient(double* g) const;
     // The index of s0 when the necking-constrained fit searches it on a grid.
-    virtual int gridParameter() const { return -1; }
+    virtual int neckingGridParameter() const { return -1; }
 
     // The error of the evaluation in work over the first n points.
     double errorOf(const FitPoints& points, const FitWork& work, Residuals mode, std::size_t n) const;
 
 private:
+    class Descent;
     // The law's start (when automatic), then the descent.
-    void startAndDescend(bool neckingPenalty);
-    void descend(const FitPoints& points, Residuals mode, bool neckingPenalty);
+    bool startAndDescend(bool neckingPenalty, const RunControl& control);
+    bool descend(const FitPoints& points, Residuals mode, bool neckingPenalty, const RunControl& control);
 };
 
 // Formula-based implementation: single values from the formula, whole curves

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "base/textfile.h"
+#include "numerics/leastsquares.h"
 
 namespace zelko {
 
@@ -11,27 +12,10 @@ namespace {
 
 constexpr double kWide = 1e6;  // MPa: no real stress parameter comes near it
 
-// Slope and intercept of y = a + b x by least squares over the points that have
-// both logarithms; false with fewer than two.
-bool logLogLine(const FitPoints& points, double offset, double& intercept, double& slope)
+// ln K and n of stress - offset = K eps^n over the fitted points.
+std::optional<PowerLawFit> powerLawOf(const FitPoints& points, double offset)
 {
-    double sx = 0, sy = 0, sxx = 0, sxy = 0;
-    int n = 0;
-    for (std::size_t i = 0; i < points.size(); ++i) {
-        const double e = points.strain[i];
-        const double s = points.stress[i] - offset;
-        if (e > 0.0 && s > 0.0 && std::isfinite(e) && std::isfinite(s)) {
-            const double x = std::log(e), y = std::log(s);
-            sx += x, sy += y, sxx += x * x, sxy += x * y;
-            ++n;
-        }
-    }
-    const double denominator = n * sxx - sx * sx;
-    if (n < 2 || !(std::fabs(denominator) > 0.0))
-        return false;
-    slope = (n * sxy - sx * sy) / denominator;
-    intercept = (sy - slope * sx) / n;
-    return std::isfinite(slope) && std::isfinite(intercept);
+    return fitPowerLaw(points.strain, points.stress, offset);
 }
 
 double lastStrain(const FitPoints& points)
@@ -53,7 +37,11 @@ bool writeThreeLineBlock(const ColdLaw& law, TextWriter& out, double a, double b
     return true;
 }
 
-double p(const ColdLaw& law, std::size_t i) { return i < law.parameters.size() ? printable(law.parameters[i]) : 0.0; }
+// Parameter i as the texts print it: 0 when the law has no such parameter.
+double shown(const ColdLaw& law, std::size_t i)
+{
+    return i < law.parameters.size() ? printable(law.parameters[i]) : 0.0;
+}
 
 }  // namespace
 
@@ -89,13 +77,13 @@ void PLASTIC_1::maskGradient(double* g) const
 std::string PLASTIC_1::resultText() const
 {
     return formatText("Y0 = %16.4E \ns0 = %16.4E \nn = %16.4E\nError = %16.4E MPa\nSlope at necking point = %16.4E",
-                      p(*this, 0), p(*this, 1), p(*this, 2), printable(fitError), printable(neckingSlope()));
+                      shown(*this, 0), shown(*this, 1), shown(*this, 2), printable(fitError), printable(neckingSlope()));
 }
 
 // The exponent comes before s0 in the library.
 bool PLASTIC_1::writeLibraryBlock(TextWriter& out, int) const
 {
-    return writeThreeLineBlock(*this, out, p(*this, 0), p(*this, 2), p(*this, 1));
+    return writeThreeLineBlock(*this, out, shown(*this, 0), shown(*this, 2), shown(*this, 1));
 }
 
 // ---- Hollomon ----
@@ -106,17 +94,17 @@ std::vector<ParameterBound> PLASTIC_3::defaultBounds() const { return {{500.0, 0
 
 void PLASTIC_3::estimateStart(const FitPoints& points, double* q) const
 {
-    double lnK = 0.0, n = 0.0;
-    if (logLogLine(points, 0.0, lnK, n) && n > 0.0 && n < 1.0) {
-        q[0] = std::exp(lnK);
-        q[1] = n;
+    const std::optional<PowerLawFit> fit = powerLawOf(points, 0.0);
+    if (fit && fit->n > 0.0 && fit->n < 1.0) {
+        q[0] = std::exp(fit->lnK);
+        q[1] = fit->n;
     } else {
         q[0] = std::max(1.0, *std::max_element(points.stress.begin(), points.stress.end()));
         q[1] = 0.2;
     }
 }
 
-void PLASTIC_3::fitNeckingConstrained()
+bool PLASTIC_3::fitNeckingConstrained(const RunControl&)
 {
     // Considere for K eps^n: n equals the necking strain. The point is the true
     // curve's at the necking index itself, not counted from the start index.
@@ -130,16 +118,17 @@ void PLASTIC_3::fitNeckingConstrained()
         }
     }
     fitError = objective(parameters, fittedPoints().size());
+    return true;
 }
 
 std::string PLASTIC_3::resultText() const
 {
-    return formatText("K = %16.4E \nn = %16.4E\nError = %16.4E MPa", p(*this, 0), p(*this, 1), printable(fitError));
+    return formatText("K = %16.4E \nn = %16.4E\nError = %16.4E MPa", shown(*this, 0), shown(*this, 1), printable(fitError));
 }
 
 bool PLASTIC_3::writeLibraryBlock(TextWriter& out, int) const
 {
-    return writeThreeLineBlock(*this, out, p(*this, 0), p(*this, 1), blockLeadValue);
+    return writeThreeLineBlock(*this, out, shown(*this, 0), shown(*this, 1), blockLeadValue);
 }
 
 // ---- Ludwik ----
@@ -154,10 +143,10 @@ std::vector<ParameterBound> PLASTIC_4::defaultBounds() const
 void PLASTIC_4::estimateStart(const FitPoints& points, double* q) const
 {
     q[0] = points.stress.front();
-    double lnK = 0.0, n = 0.0;
-    if (logLogLine(points, q[0], lnK, n) && n > 0.0) {
-        q[1] = std::exp(lnK);
-        q[2] = n;
+    const std::optional<PowerLawFit> fit = powerLawOf(points, q[0]);
+    if (fit && fit->n > 0.0) {
+        q[1] = std::exp(fit->lnK);
+        q[2] = fit->n;
     } else {
         q[1] = rise(points);
         q[2] = 0.5;
@@ -168,12 +157,12 @@ std::string PLASTIC_4::resultText() const
 {
     // The screen has always shown 0 for the Ludwik slope.
     return formatText("Y = %16.4E \nK = %16.4E \nn = %16.4E\nError = %16.4E MPa\nSlope at necking point = %16.4E",
-                      p(*this, 0), p(*this, 1), p(*this, 2), printable(fitError), 0.0);
+                      shown(*this, 0), shown(*this, 1), shown(*this, 2), printable(fitError), 0.0);
 }
 
 bool PLASTIC_4::writeLibraryBlock(TextWriter& out, int) const
 {
-    return writeThreeLineBlock(*this, out, p(*this, 0), p(*this, 1), p(*this, 2));
+    return writeThreeLineBlock(*this, out, shown(*this, 0), shown(*this, 1), shown(*this, 2));
 }
 
 // ---- Kim Tuan ----
@@ -202,7 +191,7 @@ std::string PLASTIC_Kim_Tuan::resultText() const
     return formatText(
         "YS = %16.4E \ns0 = %16.4E \nT = %16.4E \nm = %16.4E \nC = %16.4E\nError = %16.4E MPa\n"
         "Slope at necking point = %16.4E",
-        p(*this, 0), p(*this, 1), p(*this, 2), p(*this, 3), p(*this, 4), printable(fitError),
+        shown(*this, 0), shown(*this, 1), shown(*this, 2), shown(*this, 3), shown(*this, 4), printable(fitError),
         printable(neckingSlope()));
 }
 
@@ -228,7 +217,7 @@ std::string PLASTIC_Hockett_Sherby::resultText() const
 {
     return formatText(
         "YS = %16.4E \nV1 = %16.4E \nV2 = %16.4E \n H1 = %16.4E\nError = %16.4E MPa\nSlope at necking point = %16.4E",
-        p(*this, 0), p(*this, 1), p(*this, 2), p(*this, 3), printable(fitError), printable(neckingSlope()));
+        shown(*this, 0), shown(*this, 1), shown(*this, 2), shown(*this, 3), printable(fitError), printable(neckingSlope()));
 }
 
 // ---- Voce General ----
@@ -252,7 +241,7 @@ std::string PLASTIC_Voce_General::resultText() const
 {
     return formatText(
         "V0 = %16.4E \nV1 = %16.4E \nV2 = %16.4E \nV3 = %16.4E\nError = %16.4E MPa\nSlope at necking point = %16.4E",
-        p(*this, 0), p(*this, 1), p(*this, 2), p(*this, 3), printable(fitError), printable(neckingSlope()));
+        shown(*this, 0), shown(*this, 1), shown(*this, 2), shown(*this, 3), printable(fitError), printable(neckingSlope()));
 }
 
 // ---- El-Magd ----
@@ -276,7 +265,7 @@ std::string PLASTIC_ElMagd::resultText() const
 {
     return formatText(
         "C0 = %16.4E \nC1 = %16.4E \nC2 = %16.4E \nC3 = %16.4E\nError = %16.4E MPa\nSlope at necking point = %16.4E",
-        p(*this, 0), p(*this, 1), p(*this, 2), p(*this, 3), printable(fitError), printable(neckingSlope()));
+        shown(*this, 0), shown(*this, 1), shown(*this, 2), shown(*this, 3), printable(fitError), printable(neckingSlope()));
 }
 
 // ---- Voyiadjis-Abed ----
@@ -298,34 +287,50 @@ void PLASTIC_Voyiadjis_Abed::estimateStart(const FitPoints& points, double* q) c
 std::string PLASTIC_Voyiadjis_Abed::resultText() const
 {
     return formatText("V0 = %16.4E \nV1 = %16.4E \nV2 = %16.4E \nError = %16.4E MPa\nSlope at necking point = %16.4E",
-                      p(*this, 0), p(*this, 1), p(*this, 2), printable(fitError), printable(neckingSlope()));
+                      shown(*this, 0), shown(*this, 1), shown(*this, 2), printable(fitError), printable(neckingSlope()));
 }
 
 // ---- the list ----
 
-const char* coldLawListEntry(int listIndex)
+ColdLawListEntry coldLawListEntry(int position)
 {
-    static const char* const kEntries[kColdLawCount] = {
-        "Simulation (8)",         "Swift model (1)",        "Hollomon model (3)",
-        "Ludwik model (4)",       "Kim Tuan model (35)",    "Hockett Sherby model (32)",
-        "Voce General model (31)", "El-Magd model (33)",    "Voyiadjis-Abed model (34)",
+    static constexpr ColdLawListEntry kEntries[kColdLawListSize] = {
+        {"Simulation (8)", std::nullopt},
+        {"Swift model (1)", ColdLawId::Swift},
+        {"Hollomon model (3)", ColdLawId::Hollomon},
+        {"Ludwik model (4)", ColdLawId::Ludwik},
+        {"Kim Tuan model (35)", ColdLawId::KimTuan},
+        {"Hockett Sherby model (32)", ColdLawId::HockettSherby},
+        {"Voce General model (31)", ColdLawId::VoceGeneral},
+        {"El-Magd model (33)", ColdLawId::ElMagd},
+        {"Voyiadjis-Abed model (34)", ColdLawId::VoyiadjisAbed},
     };
-    return listIndex >= 0 && listIndex < kColdLawCount ? kEntries[listIndex] : "";
+    return position >= 0 && position < kColdLawListSize ? kEntries[position] : ColdLawListEntry{"", std::nullopt};
 }
 
-std::shared_ptr<ColdLaw> makeColdLaw(int listIndex, const RoomOri& record)
+const char* coldLawTitle(ColdLawId law)
 {
-    switch (listIndex) {
-    case 1: return std::make_shared<PLASTIC_1>(record);
-    case 2: return std::make_shared<PLASTIC_3>(record);
-    case 3: return std::make_shared<PLASTIC_4>(record);
-    case 4: return std::make_shared<PLASTIC_Kim_Tuan>(record);
-    case 5: return std::make_shared<PLASTIC_Hockett_Sherby>(record);
-    case 6: return std::make_shared<PLASTIC_Voce_General>(record);
-    case 7: return std::make_shared<PLASTIC_ElMagd>(record);
-    case 8: return std::make_shared<PLASTIC_Voyiadjis_Abed>(record);
-    default: return nullptr;
+    for (int position = 0; position < kColdLawListSize; ++position) {
+        const ColdLawListEntry entry = coldLawListEntry(position);
+        if (entry.law == law)
+            return entry.text;
     }
+    return "";
+}
+
+std::shared_ptr<ColdLaw> makeColdLaw(ColdLawId law, const RoomOri& record)
+{
+    switch (law) {
+    case ColdLawId::Swift: return std::make_shared<PLASTIC_1>(record);
+    case ColdLawId::Hollomon: return std::make_shared<PLASTIC_3>(record);
+    case ColdLawId::Ludwik: return std::make_shared<PLASTIC_4>(record);
+    case ColdLawId::KimTuan: return std::make_shared<PLASTIC_Kim_Tuan>(record);
+    case ColdLawId::HockettSherby: return std::make_shared<PLASTIC_Hockett_Sherby>(record);
+    case ColdLawId::VoceGeneral: return std::make_shared<PLASTIC_Voce_General>(record);
+    case ColdLawId::ElMagd: return std::make_shared<PLASTIC_ElMagd>(record);
+    case ColdLawId::VoyiadjisAbed: return std::make_shared<PLASTIC_Voyiadjis_Abed>(record);
+    }
+    return nullptr;
 }
 
 }  // namespace zelko

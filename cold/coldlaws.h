@@ -1,7 +1,9 @@
 #pragma once
 // The eight cold hardening laws.
 
+#include <array>
 #include <memory>
+#include <optional>
 
 #include "cold/coldlaw.h"
 #include "cold/formulas.h"
@@ -21,7 +23,7 @@ public:
 protected:
     void estimateStart(const FitPoints& points, double* p) const override;
     void maskGradient(double* g) const override;
-    int gridParameter() const override { return 1; }
+    int neckingGridParameter() const override { return 1; }
 };
 
 // Hollomon: sigma = K eps^n.
@@ -34,7 +36,7 @@ public:
     std::string resultText() const override;
     bool writeLibraryBlock(TextWriter& out, int version) const override;
     // Closed form from the necking condition at the record's necking index.
-    void fitNeckingConstrained() override;
+    bool fitNeckingConstrained(const RunControl& control = {}) override;
 
 protected:
     void estimateStart(const FitPoints& points, double* p) const override;
@@ -66,7 +68,7 @@ public:
 
 protected:
     void estimateStart(const FitPoints& points, double* p) const override;
-    int gridParameter() const override { return 1; }
+    int neckingGridParameter() const override { return 1; }
 };
 
 // Hockett-Sherby: sigma = YS + V1 (1 - exp(-V2 eps^H1)).
@@ -124,10 +126,36 @@ protected:
     void estimateStart(const FitPoints& points, double* p) const override;
 };
 
-// The selection list of the tensile screen; index 0 is the tensile simulation.
-inline constexpr int kColdLawCount = 9;
-const char* coldLawListEntry(int listIndex);
-// A law of the list's class as a copy of the record (nothing for index 0 or out of range).
-std::shared_ptr<ColdLaw> makeColdLaw(int listIndex, const RoomOri& record);
+// The laws by their model numbers.
+enum class ColdLawId {
+    Swift = 1,
+    Hollomon = 3,
+    Ludwik = 4,
+    VoceGeneral = 31,
+    HockettSherby = 32,
+    ElMagd = 33,
+    VoyiadjisAbed = 34,
+    KimTuan = 35,
+};
+
+// The laws in the order the tensile screen lists them.
+inline constexpr std::array<ColdLawId, 8> kColdLaws = {
+    ColdLawId::Swift,         ColdLawId::Hollomon,    ColdLawId::Ludwik, ColdLawId::KimTuan,
+    ColdLawId::HockettSherby, ColdLawId::VoceGeneral, ColdLawId::ElMagd, ColdLawId::VoyiadjisAbed,
+};
+
+// The tensile screen's selection list: the simulation first, then the laws.
+struct ColdLawListEntry {
+    const char* text;
+    std::optional<ColdLawId> law;  // none for the simulation
+};
+inline constexpr int kColdLawListSize = 9;
+// The entry at a list position; an empty one outside the list.
+ColdLawListEntry coldLawListEntry(int position);
+// The list's text of a law ("Swift model (1)"); empty for a number that is no law.
+const char* coldLawTitle(ColdLawId law);
+
+// A law of that number as a copy of the record; nothing for a number that is no law.
+std::shared_ptr<ColdLaw> makeColdLaw(ColdLawId law, const RoomOri& record);
 
 }  // namespace zelko

@@ -1,7 +1,7 @@
 #pragma once
 // The laws over all fitted points at once: model stresses (with what the gradient
 // needs kept in cache arrays) and the gradient of the sum of squares. Compiled
-// twice, for plain x86-64 and for AVX2, and chosen when the program starts.
+// twice, for plain x86-64 and for AVX2, and chosen once (numerics/processor.h).
 
 #include <cstddef>
 
@@ -23,5 +23,11 @@ struct LawKernels {
 enum class LawKernelId { Swift, Hollomon, Ludwik, KimTuan, HockettSherby, VoceGeneral, ElMagd, VoyiadjisAbed, Count };
 
 const LawKernels& lawKernels(LawKernelId id);
+
+namespace kernels_avx2 {
+// The table of lawkernels_avx2.cpp, indexed by LawKernelId; null unless that
+// file was built for AVX2 and FMA.
+extern const LawKernels* const kKernels;
+}  // namespace kernels_avx2
 
 }  // namespace zelko

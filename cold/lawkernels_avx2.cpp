@@ -1,9 +1,10 @@
 // The kernels built for AVX2 and FMA, with glibc's vector exp and log (four
 // doubles at a time). Only called when the processor has both.
+#include "cold/lawkernels.h"
+
+#if defined(__AVX2__) && defined(__FMA__)
 #include <Eigen/Core>
 #include <cmath>
-
-#include "cold/lawkernels.h"
 
 #if defined(__GLIBC__)
 #include <immintrin.h>
@@ -45,6 +46,11 @@ void logInPlace(double* x, Eigen::Index n) { Eigen::Map<Eigen::ArrayXd>(x, n) = 
 
 #include "cold/lawkernels.inc"
 
-const LawKernels* table() { return kKernels; }
+extern const LawKernels* const kKernels = kTable;
 
 }  // namespace zelko::kernels_avx2
+#else
+namespace zelko::kernels_avx2 {
+extern const LawKernels* const kKernels = nullptr;
+}  // namespace zelko::kernels_avx2
+#endif

@@ -1,6 +1,7 @@
 #include <Eigen/Core>
 
 #include "cold/lawkernels.h"
+#include "numerics/processor.h"
 
 namespace zelko {
 
@@ -15,22 +16,9 @@ void logInPlace(double* x, Eigen::Index n) { Eigen::Map<Eigen::ArrayXd>(x, n) = 
 
 }  // namespace kernels_generic
 
-#if defined(ZELKO_HAVE_AVX2_KERNELS)
-namespace kernels_avx2 {
-const LawKernels* table();
-}
-#endif
-
 const LawKernels& lawKernels(LawKernelId id)
 {
-    static const LawKernels* const chosen = [] {
-#if defined(ZELKO_HAVE_AVX2_KERNELS)
-        __builtin_cpu_init();
-        if (__builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma"))
-            return kernels_avx2::table();
-#endif
-        return static_cast<const LawKernels*>(kernels_generic::kKernels);
-    }();
+    static const LawKernels* const chosen = chooseBuild<LawKernels>(kernels_generic::kTable, kernels_avx2::kKernels);
     return chosen[static_cast<int>(id)];
 }
 

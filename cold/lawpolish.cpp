@@ -1,26 +1,20 @@
 #include "cold/lawpolish.h"
 
-#include <Eigen/Core>
-#include <unsupported/Eigen/NonLinearOptimization>
 #include <algorithm>
 #include <cmath>
+
+#include "numerics/leastsquares.h"
 
 namespace zelko {
 
 namespace {
 
-// Residuals sqrt(w) r over the fitted points, in the free parameters only. A step
-// outside the bounds is evaluated at the nearest bound; one the law can't take
-// gets huge residuals, which Levenberg-Marquardt refuses.
+// Residuals sqrt(w) r over the fitted points, in the law's free parameters. A
+// point the law can't take gets huge residuals, which Levenberg-Marquardt refuses.
 class LawResiduals {
 public:
-    using Scalar = double;
-    using InputType = Eigen::VectorXd;
-    using ValueType = Eigen::VectorXd;
-    using JacobianType = Eigen::MatrixXd;
-
-    LawResiduals(const ColdLaw& law, std::vector<double> full)
-        : law_(law), points_(law.fittedPoints()), full_(std::move(full)), table_(law.bounds())
+    LawResiduals(const ColdLaw& law, const std::vector<double>& start)
+        : law_(law), points_(law.fittedPoints()), full_(start)
     {
         for (std::size_t i = 0; i < full_.size(); ++i)
             if (!law.isFixed(i))
@@ -30,26 +24,38 @@ public:
             rootWeight_.push_back(weighted ? std::sqrt(std::max(0.0, points_.weight[i])) : 1.0);
     }
 
-    int inputs() const { return static_cast<int>(free_.size()); }
-    int values() const { return static_cast<int>(points_.size()); }
+    ResidualProblem problem() const
+    {
+        return {static_cast<int>(points_.size()),
+                [this](const Eigen::VectorXd& x, Eigen::VectorXd& r) { residuals(x, r); },
+                [this](const Eigen::VectorXd& x, Eigen::MatrixXd& j) { jacobian(x, j); }};
+    }
     Eigen::VectorXd freeOf(const std::vector<double>& full) const
     {
-        Eigen::VectorXd x(inputs());
-        for (int k = 0; k < inputs(); ++k)
-            x[k] = full[free_[static_cast<std::size_t>(k)]];
+        Eigen::VectorXd x(static_cast<Eigen::Index>(free_.size()));
+        for (std::size_t k = 0; k < free_.size(); ++k)
+            x[static_cast<Eigen::Index>(k)] = full[free_[k]];
         return x;
     }
     std::vector<double> fullOf(const Eigen::VectorXd& x) const
     {
         std::vector<double> full = full_;
-        for (int k = 0; k < inputs(); ++k) {
-            const std::size_t i = free_[static_cast<std::size_t>(k)];
-            full[i] = std::clamp(x[k], table_[i].minimum, table_[i].maximum);
-        }
+        for (std::size_t k = 0; k < free_.size(); ++k)
+            full[free_[k]] = x[static_cast<Eigen::Index>(k)];
         return full;
     }
+    // The bound table's limits of the free parameters.
+    Eigen::VectorXd limits(bool upper) const
+    {
+        const std::vector<ParameterBound> table = law_.bounds();
+        Eigen::VectorXd x(static_cast<Eigen::Index>(free_.size()));
+        for (std::size_t k = 0; k < free_.size(); ++k)
+            x[static_cast<Eigen::Index>(k)] = upper ? table[free_[k]].maximum : table[free_[k]].minimum;
+        return x;
+    }
 
-    int operator()(const Eigen::VectorXd& x, Eigen::VectorXd& residuals) const
+private:
+    void residuals(const Eigen::VectorXd& x, Eigen::VectorXd& residuals) const
     {
         const std::vector<double> p = fullOf(x);
         const bool usable = law_.admissible(p.data());
@@ -57,57 +63,53 @@ public:
             const double r = usable ? law_.stressAt(points_.strain[i], p.data()) - points_.stress[i] : 1e10;
             residuals[static_cast<Eigen::Index>(i)] = std::isfinite(r) ? rootWeight_[i] * r : 1e10;
         }
-        return 0;
     }
-
-    int df(const Eigen::VectorXd& x, Eigen::MatrixXd& jacobian) const
+    void jacobian(const Eigen::VectorXd& x, Eigen::MatrixXd& jacobian) const
     {
         const std::vector<double> p = fullOf(x);
         std::vector<double> d(p.size());
         for (std::size_t i = 0; i < points_.size(); ++i) {
             law_.partialsAt(points_.strain[i], p.data(), d.data());
-            for (int k = 0; k < inputs(); ++k) {
-                const double v = rootWeight_[i] * d[free_[static_cast<std::size_t>(k)]];
-                jacobian(static_cast<Eigen::Index>(i), k) = std::isfinite(v) ? v : 0.0;
+            for (std::size_t k = 0; k < free_.size(); ++k) {
+                const double v = rootWeight_[i] * d[free_[k]];
+                jacobian(static_cast<Eigen::Index>(i), static_cast<Eigen::Index>(k)) = std::isfinite(v) ? v : 0.0;
             }
         }
-        return 0;
     }
 
-private:
     const ColdLaw& law_;
     FitPoints points_;
     std::vector<double> full_;
-    std::vector<ParameterBound> table_;
     std::vector<std::size_t> free_;
     std::vector<double> rootWeight_;
 };
 
 }  // namespace
 
-std::vector<double> levenbergMarquardt(const ColdLaw& law, std::vector<double> start, int maxEvaluations)
+std::vector<double> levenbergMarquardt(const ColdLaw& law, std::vector<double> start, int maxEvaluations,
+                                       const RunControl& control)
 {
-    LawResiduals residuals(law, start);
-    if (residuals.inputs() == 0 || residuals.values() < residuals.inputs())
-        return start;
-    Eigen::VectorXd x = residuals.freeOf(start);
-    Eigen::LevenbergMarquardt<LawResiduals> solver(residuals);
-    solver.parameters.maxfev = maxEvaluations;
-    solver.minimize(x);
-    return residuals.fullOf(x);
+    const LawResiduals residuals(law, start);
+    const BoundedFit fit = boundedLevenbergMarquardt(residuals.problem(), residuals.freeOf(start),
+                                                     residuals.limits(false), residuals.limits(true), maxEvaluations,
+                                                     control);
+    return residuals.fullOf(fit.x);
 }
 
-void polishWithLevenbergMarquardt(ColdLaw& law)
+bool polishWithLevenbergMarquardt(ColdLaw& law, const RunControl& control)
 {
     const std::size_t n = law.fittedPoints().size();
-    const std::vector<double> polished = levenbergMarquardt(law, law.parameters);
+    const std::vector<double> polished = levenbergMarquardt(law, law.parameters, 2000, control);
+    if (control.stopRequested())
+        return false;
     if (!law.admissible(polished.data()))
-        return;
+        return true;
     const double error = law.objective(polished, n);
     if (std::isfinite(error) && error < law.objective(law.parameters, n)) {
         law.parameters = polished;
         law.fitError = error;
     }
+    return true;
 }
 
 }  // namespace zelko

@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/environment.h"
 #include "models/roomori.h"
 
 namespace zelko {
@@ -77,6 +78,6 @@ TensileResultStatus readTensileResult(const std::filesystem::path& jobFile, PLAS
 const char* tensileResultMessage(TensileResultStatus status);
 
 // Starts the solver detached in the job's folder with the job list on its input.
-bool startTensileSolver(const std::filesystem::path& jobFile, std::string& error);
+bool startTensileSolver(const std::filesystem::path& jobFile, const Environment& environment, std::string& error);
 
 }  // namespace zelko

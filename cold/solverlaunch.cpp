@@ -17,12 +17,6 @@ namespace zelko {
 
 namespace {
 
-std::string environment(const char* name)
-{
-    const char* value = std::getenv(name);
-    return value ? std::string(value) : std::string();
-}
-
 bool isExecutable(const std::filesystem::path& path)
 {
     std::error_code ec;
@@ -35,14 +29,13 @@ bool isExecutable(const std::filesystem::path& path)
 #endif
 }
 
-// $ZELKO_TENSILE_SOLVER, else the solver on PATH, else in the installation folder.
-std::filesystem::path findSolver()
+// The configured solver, else the solver on PATH, else in the installation folder.
+std::filesystem::path findSolver(const Environment& environment)
 {
-    const std::string configured = environment("ZELKO_TENSILE_SOLVER");
-    if (!configured.empty())
-        return configured;
+    if (!environment.tensileSolver.empty())
+        return environment.tensileSolver;
     const std::string name = formatText("Z2DTS_V%2dR%02d", 24, 2);
-    const std::string path = environment("PATH");
+    const std::string& path = environment.searchPath;
     std::size_t start = 0;
     while (start <= path.size()) {
         const std::size_t end = std::min(path.find(':', start), path.size());
@@ -51,7 +44,7 @@ std::filesystem::path findSolver()
             return candidate;
         start = end + 1;
     }
-    const std::string installation = environment(installationVariableName().c_str());
+    const std::string& installation = environment.installationFolder;
     if (!installation.empty()) {
         for (const char* sub : {"", "bin"}) {
             const std::filesystem::path candidate = std::filesystem::path(installation) / sub / name;
@@ -64,7 +57,7 @@ std::filesystem::path findSolver()
 
 }  // namespace
 
-bool startTensileSolver(const std::filesystem::path& jobFile, std::string& error)
+bool startTensileSolver(const std::filesystem::path& jobFile, const Environment& environment, std::string& error)
 {
     const std::filesystem::path folder = jobFile.parent_path().empty() ? std::filesystem::path(".") : jobFile.parent_path();
     const std::string base = jobFile.stem().string();
@@ -76,7 +69,7 @@ bool startTensileSolver(const std::filesystem::path& jobFile, std::string& error
     }
     return true;
 #else
-    const std::filesystem::path solver = findSolver();
+    const std::filesystem::path solver = findSolver(environment);
     if (solver.empty() || !isExecutable(solver)) {
         error = formatText("the tensile solver was not found (set ZELKO_TENSILE_SOLVER or put Z2DTS_V%2dR%02d on "
                            "PATH); the job files are kept in %s",

@@ -12,11 +12,11 @@ namespace {
 std::optional<double> forceFactor(int forceUnit)
 {
     switch (forceUnit) {
-    case 0: return 1.0;
-    case 1: return 1000.0;
-    case 2: return 9.80665;
-    case 3: return 9.80665 * 1000.0;
-    case 4: return 0.45359237 * 9.80665;
+    case Newton: return 1.0;
+    case Kilonewton: return 1000.0;
+    case KilogramForce: return 9.80665;
+    case MetricTon: return 9.80665 * 1000.0;
+    case PoundForce: return 0.45359237 * 9.80665;
     default: return std::nullopt;
     }
 }
@@ -38,13 +38,13 @@ std::optional<std::string> convertEnteredUnits(RoomOri& record)
     const std::optional<double> factor = forceFactor(record.forceUnit);
     double lengthFactor = 1.0;
     if (record.inputKind == LoadDisplacement) {
-        if (record.lengthUnit == 0)
+        if (record.lengthUnit == Millimetre)
             lengthFactor = 0.5;
-        else if (record.lengthUnit == 1)
+        else if (record.lengthUnit == Inch)
             lengthFactor = 25.4 * 0.5;
         else
             return std::string("Incorrect length unit was selected.");
-    } else if (record.lengthUnit == 1) {
+    } else if (record.lengthUnit == Inch) {
         lengthFactor = 0.01;  // strain entered in percent
     }
     if (!factor)

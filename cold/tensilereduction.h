@@ -2,6 +2,7 @@
 // The tensile test's reduction: units of the entered curve, the other two forms
 // derived from it, and the true curve the hardening laws fit.
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -9,6 +10,9 @@
 
 namespace zelko {
 
+// The record's unit fields hold positions in the screen's unit lists.
+enum LengthUnit : std::int32_t { Millimetre = 0, Inch = 1 };  // Inch means percent for a stress-strain curve
+enum ForceUnit : std::int32_t { Newton = 0, Kilonewton = 1, KilogramForce = 2, MetricTon = 3, PoundForce = 4 };
 inline constexpr const char* kLengthUnitNames[] = {"[mm]", "[inch]"};
 inline constexpr const char* kForceUnitNames[] = {"[N]", "[kN]", "[kgf]", "[ton]", "[lbf]"};
 

@@ -35,7 +35,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     record.neckingIndex = static_cast<int>(record.inputCurve().size()) - 1;
     record.maxIterations = 20;
     record.weighted = size % 7 == 0;
-    const ColdFitResult result = fitColdLaw(record, static_cast<int>(size % 8) + 1);
+    const ColdFitResult result = fitColdLaw(record, kColdLaws[size % kColdLaws.size()], RunControl{});
     if (!result.law)
         return 0;
     // Whatever the data, no written text carries nan or inf.

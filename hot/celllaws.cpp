@@ -233,21 +233,4 @@ std::optional<CellCoefficients> fitCellLaw(CellLaw law, const std::vector<double
     return c;
 }
 
-std::optional<std::array<double, 2>> fitPowerLaw(const std::vector<double>& strain, const std::vector<double>& stress)
-{
-    const Points p = usablePoints(strain, stress, true);
-    std::vector<double> lnX, lnY;
-    for (std::size_t i = 0; i < p.x.size(); ++i) {
-        lnX.push_back(std::log(p.x[i]));
-        lnY.push_back(std::log(p.y[i]));
-    }
-    std::vector<std::array<double, 2>> rows;
-    for (const double v : lnX)
-        rows.push_back({1.0, v});
-    const auto fit = linearLeastSquares(rows, lnY);
-    if (!fit || !std::isfinite(std::exp(fit->coefficients[0])))
-        return std::nullopt;
-    return std::array<double, 2>{std::exp(fit->coefficients[0]), fit->coefficients[1]};
-}
-
 }  // namespace zelko

@@ -28,8 +28,4 @@ double cellLawStress(CellLaw law, const CellCoefficients& c, double x);
 // coefficients are searched on a thinned curve, the linear ones solved on all of it.
 std::optional<CellCoefficients> fitCellLaw(CellLaw law, const std::vector<double>& x, const std::vector<double>& stress);
 
-// σ = K·ε^n by least squares of ln σ on ln ε: {K, n}; nothing without two distinct
-// strains above 0 with stresses above 0.
-std::optional<std::array<double, 2>> fitPowerLaw(const std::vector<double>& strain, const std::vector<double>& stress);
-
 }  // namespace zelko

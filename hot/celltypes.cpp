@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "hot/stresstable.h"
+#include "numerics/leastsquares.h"
 
 namespace zelko {
 
@@ -144,8 +145,9 @@ std::vector<double> PLASTIC_16::fitCurve(const HotCurve& curve) const
 {
     std::vector<double> x, y;
     curveColumns(curve, 0.0, x, y);
-    const auto kn = fitPowerLaw(x, y);
-    return kn ? std::vector<double>(kn->begin(), kn->end()) : std::vector<double>{};
+    const auto fit = fitPowerLaw(x, y);
+    const double k = fit ? std::exp(fit->lnK) : 0.0;
+    return fit && std::isfinite(k) ? std::vector<double>{k, fit->n} : std::vector<double>{};
 }
 
 bool PLASTIC_16::writeLibraryBlock(TextWriter& out, int /*version*/) const

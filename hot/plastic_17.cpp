@@ -62,6 +62,18 @@ double pairSlope(const HotStressTable& table, Group group, std::size_t a, std::s
     return count > 0 ? sum / count : 0.0;
 }
 
+// The objective as the descent sees it: every trial guarded, then evaluated.
+struct GuardedObjective {
+    const HenselSpittelObjective& law;
+    double objective(const HenselSpittelParameters& p) const { return law.objective(p); }
+    void gradient(const HenselSpittelParameters& p, HenselSpittelParameters& g) const { law.gradient(p, g); }
+    TrialCheck check(HenselSpittelParameters& trial, const HenselSpittelParameters& previous) const
+    {
+        law.guard(trial, previous);
+        return TrialCheck::Evaluate;
+    }
+};
+
 }  // namespace
 
 double henselSpittelStress(const HenselSpittelParameters& p, double strain, double strainRate, double temperature)
@@ -246,6 +258,8 @@ std::string stopReasonOf(DescentStop stop)
     case DescentStop::StepTooSmall: return "step below 1e-8 without improvement";
     case DescentStop::FlatGradient: return "no gradient to follow";
     case DescentStop::Cancelled: return std::string(kRunCancelled);
+    case DescentStop::TargetReached:
+    case DescentStop::NonFiniteStart: break;  // not among these rules' stops
     }
     return {};
 }
@@ -279,7 +293,8 @@ HotFit fitHenselSpittel(const HotDataSet& dataSet, const HotFitOptions& options,
     settings.maxIterations = options.maxIterations;
     settings.initialStep = options.initialStep;
     settings.fixedMask = switches | (1u << M6);
-    const DescentOutcome outcome = steepestDescent(objective, best, settings, control);
+    const DescentOutcome outcome
+        = steepestDescent<RestartingStepRules>(GuardedObjective{objective}, best, settings, control);
     if (outcome.stop == DescentStop::Cancelled)
         return cancelledFit();
     model->parameters = best;

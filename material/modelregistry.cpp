@@ -50,10 +50,9 @@ std::shared_ptr<Plastic> createModel(ModelId id)
         return nullptr;
     if (id.number == 8)
         return std::make_shared<PLASTIC_8>();
-    constexpr int kLawIdsInListOrder[] = {0, 1, 3, 4, 35, 32, 31, 33, 34};
-    for (int index = 1; index < kColdLawCount; ++index)
-        if (kLawIdsInListOrder[index] == id.number)
-            return makeColdLaw(index, RoomOri());
+    for (const ColdLawId law : kColdLaws)
+        if (static_cast<int>(law) == id.number)
+            return makeColdLaw(law, RoomOri());
     return nullptr;
 }
 

@@ -1,31 +1,70 @@
 #pragma once
-// Steepest descent along the normalised gradient with step halving: the
-// procedure of the Hensel-Spittel fit, apart from its law so that its stopping
-// rules can be checked on their own. Nothing is allocated while it runs.
+// Steepest descent along the normalised gradient with step halving: the one
+// engine of the cold law fits and of the Hensel-Spittel fit. The two fits differ
+// only in their rules (how the step starts and grows, where it bottoms out, what
+// ends the descent), given as a policy type so that each set can be checked on
+// its own. Nothing is allocated once the first iteration starts.
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstddef>
+#include <limits>
 
 #include "base/runcontrol.h"
 
 namespace zelko {
 
-inline constexpr double kMinimumDescentStep = 1e-8;
-
 enum class DescentStop {
     IterationLimit,
-    NonFiniteParameter,  // a trial parameter overflowed
-    StepTooSmall,        // halved below kMinimumDescentStep without improving
-    FlatGradient,        // no direction to move in (zero or not finite)
-    Cancelled,           // a stop was requested; best holds the last accepted point
+    TargetReached,       // the objective fell below the settings' target
+    NonFiniteStart,      // the start's objective is not finite (rules that stop there)
+    NonFiniteParameter,  // a trial parameter overflowed (rules that stop there)
+    StepTooSmall,        // halved below the rules' floor without improving
+    FlatGradient,        // no direction to move in
+    Cancelled,           // a stop request
+};
+
+// What a problem says of a trial point before it is evaluated.
+enum class TrialCheck {
+    Evaluate,
+    Inadmissible,  // outside the function's domain: halve the step
+    Refused,       // outside the bounds: no improvement, and not evaluated
+    Cancelled,     // a stop request came while the trial was being set up
+};
+
+// The Hensel-Spittel fit's rules: each iteration starts from the longer of 1/|g|
+// and the step last accepted, so near a minimum the step grows again; a step
+// halved below 1e-8, an overflowing trial or a gradient of 0 or inf ends it.
+struct RestartingStepRules {
+    static constexpr double kStepFloor = 1e-8;
+    static constexpr bool kFloorBeforeHalving = false;
+    static constexpr double kGrowth = 1.0;
+    static constexpr bool kRestartFromInverseNorm = true;
+    static constexpr double kGradientFloor = std::numeric_limits<double>::denorm_min();
+    static constexpr bool kInfiniteGradientIsFlat = true;
+    static constexpr bool kStopOnNonFiniteTrial = true;
+    static constexpr bool kStopOnNonFiniteStart = false;
+};
+
+// The cold law fits' rules: the step carries over, grows by a tenth after an
+// accepted move and halves after a refused one. A refused step already below
+// 1e-21, an inadmissible one halved below it, or a gradient below 1e-21 ends it.
+struct GrowingStepRules {
+    static constexpr double kStepFloor = 1e-21;
+    static constexpr bool kFloorBeforeHalving = true;
+    static constexpr double kGrowth = 1.1;
+    static constexpr bool kRestartFromInverseNorm = false;
+    static constexpr double kGradientFloor = 1e-21;
+    static constexpr bool kInfiniteGradientIsFlat = false;
+    static constexpr bool kStopOnNonFiniteTrial = false;
+    static constexpr bool kStopOnNonFiniteStart = true;
 };
 
 struct DescentSettings {
     int maxIterations = 0;
     double initialStep = 1.0;
     unsigned fixedMask = 0;  // bit i: parameter i never moves
+    double target = -std::numeric_limits<double>::infinity();  // an accepted objective below it ends the descent
 };
 
 struct DescentOutcome {
@@ -36,68 +75,101 @@ struct DescentOutcome {
     double step = 0.0;  // the last trial step
 };
 
-// Problem offers double objective(const P&), void gradient(const P&, P&) and
-// void guard(P& trial, const P& previous). Progress goes 0 to 100 to the
-// control; a stop request ends the descent before its next iteration.
-template <class Problem, std::size_t N>
-DescentOutcome steepestDescent(const Problem& problem, std::array<double, N>& best, const DescentSettings& settings,
+// Problem offers double objective(const P&) and void gradient(const P& best, P& g);
+// optionally TrialCheck check(P& trial, const P& best), which may move the trial
+// (absent: every trial is evaluated), and void accept(), told that the point last
+// passed to objective is now the best (for problems that keep its evaluation).
+// P is std::array<double, N> or std::vector<double>. Progress goes from 0 to 100
+// by iterations over maxIterations, reported only when the percent changes.
+template <class Rules, class Problem, class Parameters>
+DescentOutcome steepestDescent(Problem&& problem, Parameters& best, const DescentSettings& settings,
                                const RunControl& control)
 {
     DescentOutcome out;
-    out.objective = problem.objective(best);
-    out.evaluations = 1;
-    double accepted = settings.initialStep;
     int reported = -1;
-    std::array<double, N> gradient{};
-    std::array<double, N> trial{};
+    const auto report = [&](int percent) {
+        if (percent != reported) {
+            control.report(percent);
+            reported = percent;
+        }
+    };
     const auto finish = [&](DescentStop stop) {
         out.stop = stop;
         if (stop != DescentStop::Cancelled)
-            control.report(100);
+            report(100);
         return out;
     };
+    const auto accepted = [&problem] {
+        if constexpr (requires { problem.accept(); })
+            problem.accept();
+    };
+
+    out.objective = problem.objective(best);
+    out.evaluations = 1;
+    accepted();
+    if (Rules::kStopOnNonFiniteStart && !std::isfinite(out.objective))
+        return finish(DescentStop::NonFiniteStart);
+
+    const std::size_t count = best.size();
+    Parameters gradient = best;
+    Parameters trial = best;
+    double carried = settings.initialStep;
+    double& step = out.step;
     for (int iteration = 0; iteration < settings.maxIterations; ++iteration) {
         if (control.stopRequested())
             return finish(DescentStop::Cancelled);
         problem.gradient(best, gradient);
         double norm = 0.0;
-        for (std::size_t i = 0; i < N; ++i) {
-            if (settings.fixedMask & (1u << i))
+        for (std::size_t i = 0; i < count; ++i) {
+            if (i < 32 && ((settings.fixedMask >> i) & 1u))
                 gradient[i] = 0.0;
             norm += gradient[i] * gradient[i];
         }
         norm = std::sqrt(norm);
-        if (!(norm > 0.0) || !std::isfinite(norm))
+        if (!(norm >= Rules::kGradientFloor) || (Rules::kInfiniteGradientIsFlat && !std::isfinite(norm)))
             return finish(DescentStop::FlatGradient);
-        // A small gradient allows a long step: near a minimum the step grows again.
-        out.step = std::max(1.0 / norm, accepted);
+
+        step = Rules::kRestartFromInverseNorm ? std::max(1.0 / norm, carried) : carried;
         for (;;) {
             bool finite = true;
-            for (std::size_t i = 0; i < N; ++i) {
-                trial[i] = best[i] - out.step * gradient[i] / norm;
+            for (std::size_t i = 0; i < count; ++i) {
+                trial[i] = best[i] - step * gradient[i] / norm;
                 finite = finite && std::isfinite(trial[i]);
             }
-            if (!finite)
+            if (Rules::kStopOnNonFiniteTrial && !finite)
                 return finish(DescentStop::NonFiniteParameter);
-            problem.guard(trial, best);
-            const double value = problem.objective(trial);
-            ++out.evaluations;
-            if (value < out.objective) {
-                best = trial;
-                out.objective = value;
-                accepted = out.step;
-                break;
+            TrialCheck check = TrialCheck::Evaluate;
+            if constexpr (requires { problem.check(trial, best); })
+                check = problem.check(trial, best);
+            if (check == TrialCheck::Cancelled)
+                return finish(DescentStop::Cancelled);
+            if (check == TrialCheck::Inadmissible) {
+                step *= 0.5;
+                if (step < Rules::kStepFloor)
+                    return finish(DescentStop::StepTooSmall);
+                continue;
             }
-            out.step *= 0.5;
-            if (out.step < kMinimumDescentStep)
+            if (check == TrialCheck::Evaluate) {
+                const double value = problem.objective(trial);
+                ++out.evaluations;
+                if (value < out.objective) {
+                    best = trial;
+                    out.objective = value;
+                    accepted();
+                    carried = step * Rules::kGrowth;
+                    break;
+                }
+            }
+            if (Rules::kFloorBeforeHalving && step < Rules::kStepFloor)
+                return finish(DescentStop::StepTooSmall);
+            step *= 0.5;
+            if (!Rules::kFloorBeforeHalving && step < Rules::kStepFloor)
                 return finish(DescentStop::StepTooSmall);
         }
         out.iterations = iteration + 1;
-        const int percent = static_cast<int>((static_cast<long long>(iteration) + 1) * 100 / settings.maxIterations);
-        if (percent != reported) {
-            control.report(percent);
-            reported = percent;
-        }
+        if (out.objective < settings.target)
+            return finish(DescentStop::TargetReached);
+        report(static_cast<int>((static_cast<long long>(iteration) + 1) * 100 / settings.maxIterations));
     }
     return finish(DescentStop::IterationLimit);
 }

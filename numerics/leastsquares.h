@@ -1,11 +1,18 @@
 #pragma once
-// Small least-squares tools for the per-cell and Zener-Hollomon fits.
+// The least-squares tools of the cold and the hot fits: linear fits, the power
+// law, one-dimensional and planar searches, and a bounded Levenberg-Marquardt.
 
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <functional>
 #include <optional>
+#include <span>
 #include <vector>
+
+#include <Eigen/Core>
+
+#include "base/runcontrol.h"
 
 namespace zelko {
 
@@ -21,6 +28,36 @@ std::optional<LinearFit<P>> linearLeastSquares(const std::vector<std::array<doub
 
 // Slope of y against x by least squares; nothing for fewer than two distinct x.
 std::optional<double> slopeOf(const std::vector<double>& x, const std::vector<double>& y);
+
+// y = K x^n + offset by least squares of ln(y - offset) on ln x, over the points
+// where x and y - offset are finite and above 0; nothing with fewer than two such
+// points, a single x, or a result that is not finite.
+struct PowerLawFit {
+    double lnK = 0.0;
+    double n = 0.0;
+};
+std::optional<PowerLawFit> fitPowerLaw(std::span<const double> x, std::span<const double> y, double offset = 0.0);
+
+// A least-squares problem for boundedLevenbergMarquardt: values residuals r(x)
+// and their Jacobian (values x parameters), asked only at points inside the bounds.
+struct ResidualProblem {
+    int values = 0;
+    std::function<void(const Eigen::VectorXd& x, Eigen::VectorXd& residuals)> residuals;
+    std::function<void(const Eigen::VectorXd& x, Eigen::MatrixXd& jacobian)> jacobian;
+};
+
+struct BoundedFit {
+    Eigen::VectorXd x;       // within the bounds
+    bool cancelled = false;  // a stop request ended the search early
+};
+
+// Minimises the sum of squared residuals by Eigen's Levenberg-Marquardt within
+// [lower, upper]: a trial outside is evaluated at its nearest point inside, so
+// the solver sees the function continued flat and settles on the bound. The start
+// comes back as it was when the problem has no parameter or fewer residuals.
+BoundedFit boundedLevenbergMarquardt(const ResidualProblem& problem, const Eigen::VectorXd& start,
+                                     const Eigen::VectorXd& lower, const Eigen::VectorXd& upper, int maxEvaluations,
+                                     const RunControl& control = {});
 
 // The x in [lo, hi] where f is least, by golden-section search from the best of
 // a coarse scan (the functions met here are not unimodal over the whole range).

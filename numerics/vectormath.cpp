@@ -4,39 +4,23 @@
 
 #include <Eigen/Core>
 
+#include "numerics/processor.h"
+#include "numerics/vectormathbuilds.h"
+
 namespace zelko {
 
 namespace vectormath_generic {
 #include "numerics/vectormath.inc"
+constexpr ArrayFunctions kFunctions{expArray, logArray};
 }  // namespace vectormath_generic
-
-#if defined(ZELKO_HAVE_AVX2_VECTORMATH)
-namespace vectormath_avx2 {
-void expArray(double* values, std::size_t count);
-void logArray(double* values, std::size_t count);
-}  // namespace vectormath_avx2
-#endif
 
 namespace {
 
-using ArrayFunction = void (*)(double*, std::size_t);
-
-struct Functions {
-    ArrayFunction exp;
-    ArrayFunction log;
-};
-
-const Functions& chosen()
+const ArrayFunctions& chosen()
 {
-    static const Functions functions = [] {
-#if defined(ZELKO_HAVE_AVX2_VECTORMATH)
-        __builtin_cpu_init();
-        if (__builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma"))
-            return Functions{vectormath_avx2::expArray, vectormath_avx2::logArray};
-#endif
-        return Functions{vectormath_generic::expArray, vectormath_generic::logArray};
-    }();
-    return functions;
+    static const ArrayFunctions* const functions
+        = chooseBuild(&vectormath_generic::kFunctions, vectormath_avx2::kFunctions);
+    return *functions;
 }
 
 }  // namespace

@@ -27,7 +27,7 @@ void operator delete(void* p, std::size_t) noexcept { std::free(p); }
 namespace zelko {
 namespace {
 
-long allocationsOfFit(int listIndex, int iterations, bool necking)
+long allocationsOfFit(ColdLawId id, int iterations, bool necking)
 {
     RoomOri record;
     record.inputKind = TrueCurve;
@@ -39,7 +39,7 @@ long allocationsOfFit(int listIndex, int iterations, bool necking)
     record.targetError = 0.0;
     record.maxIterations = iterations;
     record.neckingConstraint = necking;
-    const auto law = makeColdLaw(listIndex, record);
+    const auto law = makeColdLaw(id, record);
     const long before = allocations;
     if (necking)
         law->fitNeckingConstrained();
@@ -50,11 +50,11 @@ long allocationsOfFit(int listIndex, int iterations, bool necking)
 
 TEST(ColdDescentAllocations, DoNotGrowWithTheIterations)
 {
-    for (int index = 1; index < kColdLawCount; ++index) {
-        SCOPED_TRACE(coldLawListEntry(index));
-        EXPECT_EQ(allocationsOfFit(index, 10, false), allocationsOfFit(index, 1000, false));
+    for (const ColdLawId id : kColdLaws) {
+        SCOPED_TRACE(coldLawTitle(id));
+        EXPECT_EQ(allocationsOfFit(id, 10, false), allocationsOfFit(id, 1000, false));
     }
-    EXPECT_EQ(allocationsOfFit(1, 5, true), allocationsOfFit(1, 50, true));
+    EXPECT_EQ(allocationsOfFit(ColdLawId::Swift, 5, true), allocationsOfFit(ColdLawId::Swift, 50, true));
 }
 
 }  // namespace

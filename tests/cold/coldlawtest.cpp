@@ -25,27 +25,28 @@ RoomOri swiftRecord(std::size_t count = 60)
 }
 
 // A parameter set for each law, away from its boundaries.
-std::vector<double> sampleParameters(int listIndex)
+std::vector<double> sampleParameters(ColdLawId law)
 {
-    switch (listIndex) {
-    case 1: return {450, 0.015, 0.25};
-    case 2: return {900, 0.18};
-    case 3: return {300, 700, 0.4};
-    case 4: return {300, 0.002, 600, 0.35, 15};
-    case 5: return {300, 400, 6, 0.7};
-    case 6: return {300, 350, 18, 0.8};
-    case 7: return {300, 350, 18, 250};
-    default: return {300, 400, 12};
+    switch (law) {
+    case ColdLawId::Swift: return {450, 0.015, 0.25};
+    case ColdLawId::Hollomon: return {900, 0.18};
+    case ColdLawId::Ludwik: return {300, 700, 0.4};
+    case ColdLawId::KimTuan: return {300, 0.002, 600, 0.35, 15};
+    case ColdLawId::HockettSherby: return {300, 400, 6, 0.7};
+    case ColdLawId::VoceGeneral: return {300, 350, 18, 0.8};
+    case ColdLawId::ElMagd: return {300, 350, 18, 250};
+    case ColdLawId::VoyiadjisAbed: return {300, 400, 12};
     }
+    return {};
 }
 
 TEST(ColdLaws, PartialsAndSlopesAreTheDerivativesOfTheLaw)
 {
     const RoomOri record = swiftRecord();
-    for (int index = 1; index < kColdLawCount; ++index) {
-        const auto law = makeColdLaw(index, record);
-        SCOPED_TRACE(coldLawListEntry(index));
-        const std::vector<double> p = sampleParameters(index);
+    for (const ColdLawId id : kColdLaws) {
+        const auto law = makeColdLaw(id, record);
+        SCOPED_TRACE(coldLawTitle(id));
+        const std::vector<double> p = sampleParameters(id);
         ASSERT_EQ(p.size(), law->parameterCount());
         std::vector<double> d(p.size());
         for (const double e : {0.003, 0.05, 0.3}) {
@@ -71,10 +72,10 @@ TEST(ColdLaws, WholeCurveGradientMatchesThePointFormulas)
     // The vectorised kernels against the one-point formulas, including the
     // zero-strain first point where power terms vanish.
     const RoomOri record = swiftRecord(37);
-    for (int index = 1; index < kColdLawCount; ++index) {
-        const auto law = makeColdLaw(index, record);
-        SCOPED_TRACE(coldLawListEntry(index));
-        const std::vector<double> p = sampleParameters(index);
+    for (const ColdLawId id : kColdLaws) {
+        const auto law = makeColdLaw(id, record);
+        SCOPED_TRACE(coldLawTitle(id));
+        const std::vector<double> p = sampleParameters(id);
         std::vector<double> expected(p.size(), 0.0), d(p.size());
         double sum = 0.0;
         for (const CurvePoint& point : record.curves[TrueCurve]) {
@@ -142,24 +143,26 @@ TEST(ColdLaws, OnlySwiftHollomonAndLudwikWriteALibraryBlock)
     const std::string head = "%8d\n                    7.0000E+00        1.0000E+05        1.0000E-04"
                              "        0.0000E+00        0.0000E+00        0.0000E+00\n";
     struct Case {
-        int listIndex;
+        ColdLawId law;
         std::string expected;
     };
     const Case cases[] = {
-        {1, formatText(head.c_str(), 1) + "                    4.5000E+02        2.5000E-01        1.5000E-02\n"},
-        {2, formatText(head.c_str(), 3) + "                    9.0000E+02        1.8000E-01        7.0000E+00\n"},
-        {3, formatText(head.c_str(), 4) + "                    3.0000E+02        7.0000E+02        4.0000E-01\n"},
+        {ColdLawId::Swift, formatText(head.c_str(), 1) + "                    4.5000E+02        2.5000E-01        1.5000E-02\n"},
+        {ColdLawId::Hollomon, formatText(head.c_str(), 3) + "                    9.0000E+02        1.8000E-01        7.0000E+00\n"},
+        {ColdLawId::Ludwik, formatText(head.c_str(), 4) + "                    3.0000E+02        7.0000E+02        4.0000E-01\n"},
     };
     for (const Case& c : cases) {
-        const auto law = makeColdLaw(c.listIndex, record);
-        law->parameters = sampleParameters(c.listIndex);
+        const auto law = makeColdLaw(c.law, record);
+        law->parameters = sampleParameters(c.law);
         TextWriter out(TextEncoding::EightBit);
         EXPECT_TRUE(law->writeLibraryBlock(out, 6));
         EXPECT_EQ(test::textOf(out), c.expected);
     }
-    for (int index = 4; index < kColdLawCount; ++index) {
-        const auto law = makeColdLaw(index, record);
-        law->parameters = sampleParameters(index);
+    for (const ColdLawId id : kColdLaws) {
+        if (id == ColdLawId::Swift || id == ColdLawId::Hollomon || id == ColdLawId::Ludwik)
+            continue;
+        const auto law = makeColdLaw(id, record);
+        law->parameters = sampleParameters(id);
         TextWriter out(TextEncoding::EightBit);
         EXPECT_FALSE(law->writeLibraryBlock(out, 6));
         EXPECT_TRUE(out.text().empty());

@@ -196,9 +196,9 @@ TEST(TensileSolver, RunsOnTheJobListAndReadsTheResultBack)
                   " 0\\n 2\\n 1 0.1 300\\n 2 0.2 350\\n FINISHED_MAT\\n' > run1.tnsspf\n";
     }
     std::filesystem::permissions(solver, std::filesystem::perms::owner_all);
-    ::setenv("ZELKO_TENSILE_SOLVER", solver.c_str(), 1);
-    ASSERT_TRUE(startTensileSolver(job, error)) << error;
-    ::unsetenv("ZELKO_TENSILE_SOLVER");
+    Environment environment;
+    environment.tensileSolver = solver.string();
+    ASSERT_TRUE(startTensileSolver(job, environment, error)) << error;
     TensileResultStatus status = TensileResultStatus::NoResultFile;
     for (int i = 0; i < 100 && status != TensileResultStatus::Read; ++i) {
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
@@ -211,9 +211,8 @@ TEST(TensileSolver, RunsOnTheJobListAndReadsTheResultBack)
 
     std::filesystem::remove(folder / "run1.tnsspf");
     EXPECT_EQ(readTensileResult(job, model), TensileResultStatus::NotCompleted);
-    ::setenv("ZELKO_TENSILE_SOLVER", (folder / "missing").c_str(), 1);
-    EXPECT_FALSE(startTensileSolver(job, error));
-    ::unsetenv("ZELKO_TENSILE_SOLVER");
+    environment.tensileSolver = (folder / "missing").string();
+    EXPECT_FALSE(startTensileSolver(job, environment, error));
     EXPECT_NE(error.find("not found"), std::string::npos);
     EXPECT_TRUE(std::filesystem::exists(folder / "run1.tnsscf"));  // the job stays for a later run
     std::filesystem::remove_all(folder);

@@ -19,21 +19,26 @@ RoomOri recordWith(InputKind kind, Curve curve)
 
 TEST(TensileUnits, ConvertTheEnteredCurveToMillimetresAndNewtons)
 {
+    // The simulation models half the gauge length: a displacement is stored halved.
+    RoomOri millimetre = recordWith(LoadDisplacement, {{3.0, 2.0}});
+    ASSERT_FALSE(convertEnteredUnits(millimetre));
+    EXPECT_EQ(millimetre.curves[LoadDisplacement][0], (CurvePoint{1.5, 2.0}));
+
     RoomOri inch = recordWith(LoadDisplacement, {{1.0, 1.0}});
-    inch.lengthUnit = 1;
-    inch.forceUnit = 4;
+    inch.lengthUnit = Inch;
+    inch.forceUnit = PoundForce;
     ASSERT_FALSE(convertEnteredUnits(inch));
     EXPECT_DOUBLE_EQ(inch.curves[LoadDisplacement][0].x, 12.7);  // half of an inch: the half model
     EXPECT_NEAR(inch.curves[LoadDisplacement][0].y, 4.4482216152605, 1e-12);
 
     RoomOri percent = recordWith(EngineeringCurve, {{5.0, 2.0, 3.0, true}});
-    percent.lengthUnit = 1;
-    percent.forceUnit = 1;  // the force unit scales stresses too
+    percent.lengthUnit = Inch;
+    percent.forceUnit = Kilonewton;  // the force unit scales stresses too
     ASSERT_FALSE(convertEnteredUnits(percent));
     EXPECT_EQ(percent.curves[EngineeringCurve][0], (CurvePoint{0.05, 2000.0, 3.0, true}));
 
     const double factors[] = {1.0, 1000.0, 9.80665, 9806.65};
-    for (int unit = 0; unit < 4; ++unit) {
+    for (int unit = Newton; unit <= MetricTon; ++unit) {
         RoomOri r = recordWith(TrueCurve, {{0.1, 1.0}});
         r.forceUnit = unit;
         ASSERT_FALSE(convertEnteredUnits(r));
@@ -54,9 +59,16 @@ TEST(TensileUnits, AWrongUnitLeavesTheCurveAlone)
     EXPECT_EQ(force.curves[EngineeringCurve][0], (CurvePoint{1.0, 1.0}));
 }
 
-TEST(TensileForms, DeriveTheOtherTwoFromTheEnteredOne)
+TEST(TensileForms, TheSpecimenAreaIsRoundedToFourDecimals)
 {
     EXPECT_DOUBLE_EQ(specimenArea(10), 78.5398);
+    // pi 8^2 / 4 = 50.26548...: rounding and truncating to four decimals differ here.
+    EXPECT_DOUBLE_EQ(specimenArea(8), 50.2655);
+    EXPECT_DOUBLE_EQ(specimenArea(0.5), 0.1963);  // 0.19634...: rounded down
+}
+
+TEST(TensileForms, DeriveTheOtherTwoFromTheEnteredOne)
+{
 
     // Load-displacement: e = 2 d / L0 (d is the stored half elongation), s = F / (pi D^2 / 4).
     RoomOri load = recordWith(LoadDisplacement, {{0.25, 7853.981633974483}});

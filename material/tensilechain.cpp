@@ -1,0 +1,135 @@
+#include "material/tensilechain.h"
+
+#include <algorithm>
+
+#include "cold/coldfit.h"
+#include "cold/tensilereduction.h"
+
+namespace zelko {
+
+namespace {
+
+// The material with record as its active model (the law it holds goes to the library).
+Project withRecord(const Project& material, std::shared_ptr<RoomOri> record)
+{
+    Project edited = material;
+    edited.setModel(std::move(record));
+    return edited;
+}
+
+// A copy of the material's record, or a new one; empty for a hot model.
+std::shared_ptr<RoomOri> recordCopy(const Project& material)
+{
+    if (!material.activeModel)
+        return std::make_shared<RoomOri>();
+    if (material.activeModel->modelKind != ColdModel)
+        return nullptr;
+    return std::dynamic_pointer_cast<RoomOri>(material.activeModel->clone());
+}
+
+}  // namespace
+
+std::string tensileRecordRefusal(const Project& material)
+{
+    return recordCopy(material) ? std::string() : "the material holds a hot flow-stress model, not a tensile record";
+}
+
+int maximumStressIndex(const Curve& curve)
+{
+    const auto highest = std::max_element(curve.begin(), curve.end(),
+                                          [](const CurvePoint& a, const CurvePoint& b) { return a.y < b.y; });
+    return static_cast<int>(highest - curve.begin());
+}
+
+EnteredTest enterTensileTest(const Project& material, const TensileTest& test)
+{
+    EnteredTest entered;
+    std::shared_ptr<RoomOri> record = recordCopy(material);
+    if (!record) {
+        entered.error = tensileRecordRefusal(material);
+        return entered;
+    }
+    record->inputKind = test.inputKind;
+    record->lengthUnit = test.lengthUnit;
+    record->forceUnit = test.forceUnit;
+    record->diameter = test.diameter;
+    record->gaugeLength = test.gaugeLength;
+    record->curves = {};
+    if (test.inputKind >= 0 && test.inputKind < static_cast<int>(record->curves.size()))
+        record->curves[static_cast<std::size_t>(test.inputKind)] = test.curve;
+    if (const auto message = convertEnteredUnits(*record)) {
+        entered.error = *message;
+        return entered;
+    }
+    double area = 0.0;
+    if (const auto message = deriveCurveForms(*record, area)) {
+        entered.error = *message;
+        return entered;
+    }
+    entered.record = std::move(record);
+    return entered;
+}
+
+TensileFit fitTensileLaw(const Project& material, const RoomOri& entered, ColdLawId law, const TensileFitSettings& settings,
+                         const Environment& environment, const RunControl& control)
+{
+    auto record = std::dynamic_pointer_cast<RoomOri>(entered.clone());
+    record->startIndex = settings.startIndex.value_or(record->startIndex);
+    record->neckingIndex = settings.neckingIndex.value_or(maximumStressIndex(record->curves[EngineeringCurve]));
+    record->endIndex = static_cast<int>(record->inputCurve().size()) - 1;
+    record->maxIterations = settings.maxIterations.value_or(record->maxIterations);
+    record->targetError = settings.targetError.value_or(record->targetError);
+    record->neckingConstraint = settings.neckingConstraint;
+    record->weighted = settings.weighted;
+    record->polishWithLeastSquares = settings.polish;
+
+    TensileFit fit;
+    const ColdFitResult result = fitColdLaw(*record, law, control);
+    if (!result.law) {
+        fit.error = result.message;
+        fit.cancelled = result.cancelled;
+        return fit;
+    }
+    applyColdFit(result, *record);
+    if (law == ColdLawId::Swift) {
+        // The table is a convenience beside the fit: no folder, no table.
+        std::string ignored;
+        writeSwiftComparisonTable(*result.law, environment.exchangeFolder, ignored);
+    }
+    fit.text = result.text;
+    fit.law = result.law;
+    fit.material = withRecord(material, std::move(record));
+    return fit;
+}
+
+std::shared_ptr<RoomOri> tensileJobRecord(const Project& material, std::string& error)
+{
+    std::shared_ptr<RoomOri> record = material.activeModel ? recordCopy(material) : nullptr;
+    if (!record) {
+        error = material.activeModel ? tensileRecordRefusal(material) : "the material holds no tensile record";
+        return nullptr;
+    }
+    if (record->curves[LoadDisplacement].empty()) {
+        double area = 0.0;
+        if (const auto message = deriveCurveForms(*record, area)) {
+            error = *message;
+            return nullptr;
+        }
+    }
+    return record;
+}
+
+TensileResult readTensileJobResult(const Project& material, const RoomOri& record, const std::filesystem::path& jobFile)
+{
+    TensileResult result;
+    auto model = std::make_shared<PLASTIC_8>(record);
+    result.status = readTensileResult(jobFile, *model);
+    if (result.status != TensileResultStatus::Read)
+        return result;
+    auto holder = std::dynamic_pointer_cast<RoomOri>(record.clone());
+    holder->heldModel = std::move(model);
+    result.material = withRecord(material, std::move(holder));
+    return result;
+}
+
+}  // namespace zelko

@@ -1,0 +1,137 @@
+// Every law in every mode (plain, necking-constrained, weighted, polished) on the
+// measured tensile tests of tests/data/measured (lucasguesserts/mechanical_testing,
+// MIT licence): the result texts the screen shows, byte for byte. One folder per
+// test under tests/data/cold-fits holds the case (curve, specimen, start index; the
+// necking point is the largest engineering stress) and the expected texts.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "base/fileio.h"
+#include "cold/coldfit.h"
+#include "cold/curvefile.h"
+#include "cold/tensilereduction.h"
+#include "testutil.h"
+
+namespace zelko {
+namespace {
+
+namespace fs = std::filesystem;
+
+const fs::path kCases = fs::path(ZELKO_TEST_DATA) / "cold-fits";
+
+struct FitCase {
+    std::string curve;
+    double diameter = 0.0;
+    double gaugeLength = 0.0;
+    int start = 0;
+};
+
+std::string fileText(const fs::path& path)
+{
+    std::string error;
+    const auto bytes = readFileBytes(path, error);
+    EXPECT_TRUE(bytes) << error;
+    return bytes.value_or("");
+}
+
+FitCase readCase(const fs::path& folder)
+{
+    FitCase c;
+    std::istringstream in(fileText(folder / "case.txt"));
+    std::string key;
+    while (in >> key) {
+        if (key == "curve")
+            in >> c.curve;
+        else if (key == "diameter")
+            in >> c.diameter;
+        else if (key == "gauge-length")
+            in >> c.gaugeLength;
+        else if (key == "start")
+            in >> c.start;
+        else
+            ADD_FAILURE() << "unknown key " << key;
+    }
+    return c;
+}
+
+// The record as the tensile screen makes it from a load-displacement file in mm and N.
+RoomOri recordOf(const FitCase& c)
+{
+    RoomOri record;
+    std::string error;
+    const std::optional<Curve> curve = readCurveText(fileText(fs::path(ZELKO_TEST_DATA) / c.curve), error);
+    EXPECT_TRUE(curve) << error;
+    record.inputKind = LoadDisplacement;
+    record.diameter = c.diameter;
+    record.gaugeLength = c.gaugeLength;
+    record.curves[LoadDisplacement] = curve.value_or(Curve{});
+    EXPECT_FALSE(convertEnteredUnits(record));
+    double area = 0.0;
+    EXPECT_FALSE(deriveCurveForms(record, area));
+    const Curve& engineering = record.curves[EngineeringCurve];
+    int necking = 0;
+    for (std::size_t i = 0; i < engineering.size(); ++i)
+        if (engineering[i].y > engineering[static_cast<std::size_t>(necking)].y)
+            necking = static_cast<int>(i);
+    record.startIndex = c.start;
+    record.neckingIndex = necking;
+    record.endIndex = static_cast<int>(engineering.size()) - 1;
+    return record;
+}
+
+std::string allFits(const RoomOri& record)
+{
+    const char* const modes[] = {"plain", "necking-constrained", "weighted", "polished"};
+    std::string text;
+    for (const ColdLawId id : kColdLaws)
+        for (int mode = 0; mode < 4; ++mode) {
+            RoomOri r = record;
+            r.neckingConstraint = mode == 1;
+            r.weighted = mode == 2;
+            r.polishWithLeastSquares = mode == 3;
+            const ColdFitResult result = fitColdLaw(r, id, {});
+            text += formatText("== %s, %s\n", coldLawTitle(id), modes[mode]);
+            text += (result.law ? result.text : result.message) + "\n";
+        }
+    return text;
+}
+
+class MeasuredFits : public ::testing::TestWithParam<std::string> {};
+
+TEST_P(MeasuredFits, GiveTheirRecordedTexts)
+{
+    const fs::path folder = kCases / GetParam();
+    const std::string actual = allFits(recordOf(readCase(folder)));
+    const std::string expected = fileText(folder / "expected.txt");
+    const auto same = test::sameBytes(actual, expected);
+    if (!same) {
+        // The whole text, to compare by eye.
+        const fs::path written = fs::temp_directory_path() / ("zelko-cold-fits-" + GetParam() + ".txt");
+        std::ofstream(written, std::ios::binary) << actual;
+        ADD_FAILURE() << "actual texts in " << written;
+    }
+    EXPECT_TRUE(same);
+}
+
+std::vector<std::string> caseNames()
+{
+    std::vector<std::string> names;
+    for (const auto& entry : fs::directory_iterator(kCases))
+        if (entry.is_directory())
+            names.push_back(entry.path().filename().string());
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+INSTANTIATE_TEST_SUITE_P(ColdFits, MeasuredFits, ::testing::ValuesIn(caseNames()),
+                         [](const auto& info) {
+                             std::string name = info.param;
+                             std::replace(name.begin(), name.end(), '-', '_');
+                             return name;
+                         });
+
+}  // namespace
+}  // namespace zelko
