@@ -8,6 +8,7 @@
 #include "hot/plastic_hot.h"
 #include "material/document.h"
 #include "material/modelregistry.h"
+#include "temporaryfolder.h"
 #include "testutil.h"
 
 namespace zelko {
@@ -53,14 +54,6 @@ Project fittedColdMaterial()
     record->heldModel = law;
     material.setModel(record);
     return material;
-}
-
-std::filesystem::path freshFolder(const char* name)
-{
-    const auto folder = std::filesystem::temp_directory_path() / ("zelko-document-" + std::to_string(::getpid())) / name;
-    std::filesystem::remove_all(folder);
-    std::filesystem::create_directories(folder);
-    return folder;
 }
 
 TEST(MaterialValue, ACopyOwnsEveryPartAndKeepsTheExportedLawTiedToItsRecord)
@@ -158,7 +151,8 @@ TEST(MaterialDocument, AnEditIsACopyThatIsCommittedWholeOrDropped)
 
 TEST(MaterialDocument, OpensWithTheFileVersionAndARejectedFileChangesNothing)
 {
-    const auto folder = freshFolder("open");
+    const test::TemporaryFolder temporary;
+    const auto& folder = temporary.path();
     MaterialDocument document;
     std::string error;
     ASSERT_TRUE(document.open(kGolden / "minor5-cold" / "material.zmat", error)) << error;
@@ -187,7 +181,8 @@ TEST(MaterialDocument, OpensWithTheFileVersionAndARejectedFileChangesNothing)
 
 TEST(MaterialDocument, ExportsTheFittedLawAndRefusesAMaterialWithoutModel)
 {
-    const auto folder = freshFolder("export");
+    const test::TemporaryFolder temporary;
+    const auto& folder = temporary.path();
     MaterialDocument document;
     std::string error;
     bool wroteBlock = true;

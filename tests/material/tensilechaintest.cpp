@@ -1,0 +1,117 @@
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <thread>
+
+#include "base/fileio.h"
+#include "cold/curvefile.h"
+#include "hot/plastic_hot.h"
+#include "material/document.h"
+#include "material/tensilechain.h"
+#include "temporaryfolder.h"
+#include "testutil.h"
+
+namespace zelko {
+namespace {
+
+// The measured AISI 1045 test (tests/data/measured), load in N against
+// displacement in mm, as the tensile screen takes it in.
+TensileTest steel1045()
+{
+    std::string error;
+    const auto bytes = readFileBytes(ZELKO_TEST_DATA "/measured/tensile-steel-1045.csv", error);
+    TensileTest test;
+    test.inputKind = LoadDisplacement;
+    test.curve = readCurveText(bytes.value_or(""), error).value_or(Curve{});
+    test.diameter = 10.0;
+    test.gaugeLength = 75.0;
+    return test;
+}
+
+// The start index of the 1045 case in tests/data/cold-fits: past the toe of the curve.
+constexpr int kStart1045 = 220;
+
+Project coldMaterial()
+{
+    Project material;
+    material.title = u"AISI 1045";
+    return material;
+}
+
+TEST(TensileChain, FitsIntoANewMaterialWithTheLawItExports)
+{
+    const test::TemporaryFolder folder;
+    const Project material = coldMaterial();
+    const std::string before = materialFileBytes(material);
+    const EnteredTest entered = enterTensileTest(material, steel1045());
+    ASSERT_TRUE(entered.record) << entered.error;
+    EXPECT_FALSE(entered.record->curves[EngineeringCurve].empty());
+
+    TensileFitSettings settings;
+    settings.startIndex = kStart1045;
+    const TensileFit fit = fitTensileLaw(material, *entered.record, ColdLawId::Swift, settings, folder.environment());
+    ASSERT_TRUE(fit.material) << fit.error;
+    EXPECT_EQ(materialFileBytes(material), before);
+    EXPECT_NE(fit.text.find("Error"), std::string::npos);
+
+    const auto* record = dynamic_cast<const RoomOri*>(fit.material->activeModel.get());
+    ASSERT_NE(record, nullptr);
+    EXPECT_EQ(record->startIndex, kStart1045);
+    EXPECT_EQ(record->neckingIndex, maximumStressIndex(record->curves[EngineeringCurve]));
+    EXPECT_FALSE(record->curves[TrueCurve].empty());
+    ASSERT_TRUE(fit.material->libraryModel());
+    EXPECT_EQ(fit.material->libraryModel()->modelNumber, 1);
+    EXPECT_TRUE(libraryEntryBytes(*fit.material).hasModelBlock);
+    // The Swift fit leaves its comparison table in the exchange folder it was given.
+    EXPECT_TRUE(std::filesystem::exists(folder.path() / "ZELKO_MAT_PL1.dat"));
+}
+
+TEST(TensileChain, AStoppedFitLeavesTheDocumentAsItWas)
+{
+    const test::TemporaryFolder folder;
+    MaterialDocument document(folder.environment());
+    document.commit(coldMaterial());
+    const std::string before = materialFileBytes(document.material());
+
+    const EnteredTest entered = enterTensileTest(document.material(), steel1045());
+    ASSERT_TRUE(entered.record);
+    TensileFitSettings settings;
+    settings.startIndex = kStart1045;
+    settings.maxIterations = 100'000'000;
+    settings.targetError = 0.0;
+    std::stop_source stop;
+    std::thread stopper([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(30));
+        stop.request_stop();
+    });
+    const TensileFit fit = fitTensileLaw(document.material(), *entered.record, ColdLawId::KimTuan, settings,
+                                         document.environment(), {{}, stop.get_token()});
+    stopper.join();
+    EXPECT_TRUE(fit.cancelled);
+    EXPECT_FALSE(fit.material);
+    EXPECT_EQ(materialFileBytes(document.material()), before);
+    EXPECT_FALSE(std::filesystem::exists(folder.path() / "ZELKO_MAT_PL1.dat"));
+}
+
+TEST(TensileChain, RefusesAHotMaterialAndAJobWithoutResult)
+{
+    Project hot;
+    hot.setModel(std::make_shared<PLASTIC_HOT>());
+    EXPECT_EQ(tensileRecordRefusal(hot), "the material holds a hot flow-stress model, not a tensile record");
+    EXPECT_FALSE(enterTensileTest(hot, steel1045()).record);
+    std::string error;
+    EXPECT_FALSE(tensileJobRecord(hot, error));
+    EXPECT_FALSE(tensileJobRecord(coldMaterial(), error));
+    EXPECT_EQ(error, "the material holds no tensile record");
+
+    const test::TemporaryFolder folder;
+    const Project material = coldMaterial();
+    const EnteredTest entered = enterTensileTest(material, steel1045());
+    ASSERT_TRUE(entered.record);
+    const TensileResult result = readTensileJobResult(material, *entered.record, folder.path() / "run1.tnsprj");
+    EXPECT_FALSE(result.material);
+    EXPECT_EQ(result.status, TensileResultStatus::NoResultFile);
+}
+
+}  // namespace
+}  // namespace zelko
