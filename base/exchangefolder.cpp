@@ -2,13 +2,8 @@
 
 #include <system_error>
 
-#include "base/environment.h"
 
 namespace zelko {
-
-std::filesystem::path exchangeFolder() { return Environment::fromProcess().exchangeFolder; }
-
-bool ensureExchangeFolder(std::string& error) { return ensureFolder(exchangeFolder(), error); }
 
 bool ensureFolder(const std::filesystem::path& folder, std::string& error)
 {
