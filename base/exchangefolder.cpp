@@ -2,6 +2,7 @@
 
 #include <system_error>
 
+#include "base/messages.h"
 
 namespace zelko {
 
@@ -11,7 +12,7 @@ bool ensureFolder(const std::filesystem::path& folder, std::string& error)
     std::filesystem::create_directories(folder, ec);
     if (std::filesystem::is_directory(folder, ec))
         return true;
-    error = "cannot create the folder " + folder.string();
+    error = formatMessage(MessageCode::CannotCreateFolder, folder.string().c_str());
     return false;
 }
 
