@@ -48,4 +48,15 @@ private:
     std::filesystem::path path_;
 };
 
+// The same as a fixture, for code that must make the folder itself: folder_ is
+// named for each test but not made; environment_ points at it.
+class TemporaryFolderTest : public ::testing::Test {
+protected:
+    void SetUp() override { std::filesystem::remove_all(folder_); }
+
+    TemporaryFolder temporary_;
+    const std::filesystem::path& folder_ = temporary_.path();
+    Environment environment_ = temporary_.environment();
+};
+
 }  // namespace zelko::test
