@@ -40,31 +40,4 @@ bool exportMaterial(const std::string& path, const MaterialDocument& document, b
     return false;
 }
 
-bool loadMaterial(const std::string& path, Project& project, std::string& error)
-{
-    MaterialDocument document;
-    if (!openMaterial(path, document, error))
-        return false;
-    project = document.material();
-    return true;
-}
-
-bool saveMaterial(const std::string& path, const Project& project, std::string& error)
-{
-    std::string reason;
-    if (saveFileAtomically(path, materialFileBytes(project), reason))
-        return true;
-    error = fileMessage(path, reason);
-    return false;
-}
-
-bool saveText(const std::string& path, const TextWriter& text, std::string& error)
-{
-    std::string reason;
-    if (saveFileAtomically(path, text.bytes(), reason))
-        return true;
-    error = fileMessage(path, reason);
-    return false;
-}
-
 }  // namespace zelko::cli

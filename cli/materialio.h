@@ -25,10 +25,5 @@ std::optional<std::string> readInput(
 [[nodiscard]] bool exportMaterial(
     const std::string& path, const MaterialDocument& document, bool& wroteModelBlock, std::string& error);
 
-// The same through a bare project, for the flow-stress commands.
-[[nodiscard]] bool loadMaterial(const std::string& path, Project& project, std::string& error);
-[[nodiscard]] bool saveMaterial(const std::string& path, const Project& project, std::string& error);
-
-[[nodiscard]] bool saveText(const std::string& path, const TextWriter& text, std::string& error);
 
 }  // namespace zelko::cli
