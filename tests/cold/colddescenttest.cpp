@@ -9,9 +9,7 @@
 namespace zelko {
 namespace {
 
-using test::convexCurve;
-using test::swiftCurve;
-using test::trueRecord;
+using namespace test;  // the records of coldrecords.h
 
 double distance(const std::vector<double>& a, const std::vector<double>& b)
 {

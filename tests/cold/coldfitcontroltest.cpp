@@ -14,10 +14,7 @@
 namespace zelko {
 namespace {
 
-using test::convexCurve;
-using test::engineeringRecord;
-using test::swiftCurve;
-using test::trueRecord;
+using namespace test;  // the records of coldrecords.h
 
 // Progress as a fit reports it.
 std::vector<int> progressOf(const RoomOri& record, ColdLawId id)

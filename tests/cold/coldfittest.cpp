@@ -11,10 +11,7 @@
 namespace zelko {
 namespace {
 
-using test::convexCurve;
-using test::engineeringRecord;
-using test::swiftCurve;
-using test::trueRecord;
+using namespace test;  // the records of coldrecords.h
 
 TEST(ColdFit, ReturnsTheLawAndTheTrueCurveAndChangesNothing)
 {
