@@ -29,6 +29,15 @@ double saturationRate(const FitPoints& points) { return 3.0 / lastStrain(points)
 
 double rise(const FitPoints& points) { return points.stress.back() - points.stress.front(); }
 
+// V0 + V1 (1 - exp(-V2 eps)) with no linear term: Voce General's and El-Magd's start.
+void saturatingStart(const FitPoints& points, double* q)
+{
+    q[0] = points.stress.front();
+    q[2] = saturationRate(points);
+    q[3] = 0.0;
+    q[1] = rise(points) / (1.0 - std::exp(-3.0));
+}
+
 bool writeThreeLineBlock(const ColdLaw& law, TextWriter& out, double a, double b, double c)
 {
     out.format("%8d\n", law.modelNumber);
@@ -229,13 +238,7 @@ std::vector<ParameterBound> PLASTIC_Voce_General::defaultBounds() const
     return {{200.0, -kWide, kWide}, {300.0, -kWide, kWide}, {20.0, 0.0, 1e5}, {0.0, -1e4, 1e4}};
 }
 
-void PLASTIC_Voce_General::estimateStart(const FitPoints& points, double* q) const
-{
-    q[0] = points.stress.front();
-    q[2] = saturationRate(points);
-    q[3] = 0.0;
-    q[1] = rise(points) / (1.0 - std::exp(-3.0));
-}
+void PLASTIC_Voce_General::estimateStart(const FitPoints& points, double* q) const { saturatingStart(points, q); }
 
 std::string PLASTIC_Voce_General::resultText() const
 {
@@ -253,13 +256,7 @@ std::vector<ParameterBound> PLASTIC_ElMagd::defaultBounds() const
     return {{200.0, -kWide, kWide}, {300.0, -kWide, kWide}, {20.0, 0.0, 1e5}, {0.0, -kWide, kWide}};
 }
 
-void PLASTIC_ElMagd::estimateStart(const FitPoints& points, double* q) const
-{
-    q[0] = points.stress.front();
-    q[2] = saturationRate(points);
-    q[3] = 0.0;
-    q[1] = rise(points) / (1.0 - std::exp(-3.0));
-}
+void PLASTIC_ElMagd::estimateStart(const FitPoints& points, double* q) const { saturatingStart(points, q); }
 
 std::string PLASTIC_ElMagd::resultText() const
 {

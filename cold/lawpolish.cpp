@@ -84,23 +84,33 @@ private:
     std::vector<double> rootWeight_;
 };
 
-}  // namespace
-
-std::vector<double> levenbergMarquardt(const ColdLaw& law, std::vector<double> start, int maxEvaluations,
-                                       const RunControl& control)
+// The law's free parameters fitted from start; cancelled says a stop request ended it.
+std::vector<double> fitFromStart(const ColdLaw& law, const std::vector<double>& start, int maxEvaluations,
+                                 const RunControl& control, bool& cancelled)
 {
     const LawResiduals residuals(law, start);
     const BoundedFit fit = boundedLevenbergMarquardt(residuals.problem(), residuals.freeOf(start),
                                                      residuals.limits(false), residuals.limits(true), maxEvaluations,
                                                      control);
+    cancelled = fit.cancelled;
     return residuals.fullOf(fit.x);
+}
+
+}  // namespace
+
+std::vector<double> levenbergMarquardt(const ColdLaw& law, std::vector<double> start, int maxEvaluations,
+                                       const RunControl& control)
+{
+    bool cancelled = false;
+    return fitFromStart(law, start, maxEvaluations, control, cancelled);
 }
 
 bool polishWithLevenbergMarquardt(ColdLaw& law, const RunControl& control)
 {
     const std::size_t n = law.fittedPoints().size();
-    const std::vector<double> polished = levenbergMarquardt(law, law.parameters, 2000, control);
-    if (control.stopRequested())
+    bool cancelled = false;
+    const std::vector<double> polished = fitFromStart(law, law.parameters, 2000, control, cancelled);
+    if (cancelled)
         return false;
     if (!law.admissible(polished.data()))
         return true;

@@ -1,3 +1,4 @@
+#include <cstdlib>
 #include <fstream>
 
 #include "clirunner.h"
@@ -21,9 +22,17 @@ std::vector<std::string> fitArgs(const fs::path& material, const fs::path& out, 
             "--gauge-length", "75", "--law", law, "--start", "220", "-o", out.string()};
 }
 
+// The scratch folder's "exchange" as the tool's exchange folder while it lives.
+struct ExchangeFolderOf {
+    explicit ExchangeFolderOf(const ScratchFolder& scratch) { setenv("ZELKO_TEMP", scratch.file("exchange").c_str(), 1); }
+    ~ExchangeFolderOf() { unsetenv("ZELKO_TEMP"); }
+};
+
 TEST(FitCold, FitsAMeasuredTestAndStoresTheRecordAndTheLaw)
 {
     ScratchFolder scratch;
+    // The Swift fit leaves its comparison table in the exchange folder: this test's own.
+    const ExchangeFolderOf exchange(scratch);
     const fs::path material = newMaterial(scratch);
     const fs::path out = scratch.file("fitted.zmat"), library = scratch.file("fitted.z3dlib");
     std::vector<std::string> args = fitArgs(material, out, "swift");
@@ -43,6 +52,7 @@ TEST(FitCold, FitsAMeasuredTestAndStoresTheRecordAndTheLaw)
     EXPECT_NE(entry.find("*ZelkoLibrary/Material/Cold/1\r\n"), std::string::npos);  // filed under the fitted law
     EXPECT_NE(entry.find("(MPa)\r\n       1\r\n"), std::string::npos);  // the Swift block
     EXPECT_EQ(entry.find("nan"), std::string::npos);
+    EXPECT_EQ(readBytes(scratch.file("exchange/ZELKO_MAT_PL1.dat")).substr(0, 4), std::string("\xFF\xFE \0", 4));
 }
 
 TEST(FitCold, LawsWithoutALibraryBlockWarnButStillExport)
