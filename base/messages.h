@@ -28,6 +28,14 @@ enum class MessageCode {
     PhysPropsDuplicateColumn,
     PhysPropsColumnBeyondRow,
     PhysPropsNoRows,
+    PhysPropsNotANumber,
+    PhysPropsDecimalComma,
+    PhysPropsNotFinite,
+    PhysPropsRowNotFinite,
+    CompositionOutOfRange,
+    CompositionOverWhole,
+    ModulusNotPositive,
+    MaterialFileEndsEarly,
 };
 
 std::string_view messageText(MessageCode code);
