@@ -44,6 +44,19 @@ constexpr MessageEntry kMessages[] = {
     {MessageCode::PhysPropsDuplicateColumn, "The PhysProps file has more than one column \"%s\"."},
     {MessageCode::PhysPropsColumnBeyondRow, "The column \"%s\" lies beyond the twelve numbers read for each row."},
     {MessageCode::PhysPropsNoRows, "The PhysProps file holds no rows of numbers."},
+    {MessageCode::PhysPropsNotANumber, "Line %zu of the PhysProps file holds \"%s\" where a number belongs."},
+    {MessageCode::PhysPropsDecimalComma,
+        "Line %zu of the PhysProps file holds \"%s\" after a number: the file uses decimal commas; "
+        "export it with decimal points."},
+    {MessageCode::PhysPropsNotFinite, "Line %zu of the PhysProps file holds a number that is not finite (read as %g)."},
+    {MessageCode::PhysPropsRowNotFinite,
+        "The row ending on line %zu of the PhysProps file gives a conductivity or heat capacity that is not finite."},
+    {MessageCode::CompositionOutOfRange, "the %s content %g wt%% lies outside 0 to 100 wt%%; no steel holds it"},
+    {MessageCode::CompositionOverWhole,
+        "the contents add up to %g wt%% (%s alone %g wt%%), more than the whole steel's 100 wt%%"},
+    {MessageCode::ModulusNotPositive,
+        "the estimate at %g C is %g MPa, no modulus: the %s content %g wt%% lies beyond what the method covers"},
+    {MessageCode::MaterialFileEndsEarly, "the file ends early; part of the material may be missing"},
 };
 
 constexpr bool inCodeOrder()

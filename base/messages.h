@@ -36,6 +36,14 @@ enum class MessageCode {
     PhysPropsDuplicateColumn,
     PhysPropsColumnBeyondRow,
     PhysPropsNoRows,
+    PhysPropsNotANumber,
+    PhysPropsDecimalComma,
+    PhysPropsNotFinite,
+    PhysPropsRowNotFinite,
+    CompositionOutOfRange,
+    CompositionOverWhole,
+    ModulusNotPositive,
+    MaterialFileEndsEarly,
 };
 
 std::string_view messageText(MessageCode code);

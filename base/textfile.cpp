@@ -255,6 +255,11 @@ bool TextReader::scanDouble(double& value)
     return true;
 }
 
+std::size_t TextReader::lineNumber() const
+{
+    return 1 + static_cast<std::size_t>(std::count(text_.begin(), text_.begin() + static_cast<std::ptrdiff_t>(pos_), u'\n'));
+}
+
 std::size_t TextReader::claim(long long count)
 {
     if (count <= 0)

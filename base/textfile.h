@@ -68,6 +68,9 @@ public:
     bool atEnd() const { return eof_; }
     std::size_t remaining() const { return text_.size() - pos_; }
     std::size_t position() const { return pos_; }
+    // The 1-based line of the read position, as an editor numbers it; counts from
+    // the start, so it is for messages, not for loops.
+    std::size_t lineNumber() const;
 
     // fgetws into a buffer of maxUnits + 1: at most maxUnits units, up to and
     // including "\n". False when nothing was left to read. The line is cut at an

@@ -151,7 +151,10 @@ int runEstimateModulus(const ParsedArguments& args)
     if (!storing && args.option(kOutput))
         return fail("option '-o' needs a MATERIAL.zmat to store the estimate in");
 
-    const PropertyTable table = tselikovYoungsModulus(composition);
+    const ModulusEstimate estimate = tselikovYoungsModulus(composition);
+    if (!estimate.ok)
+        return fail(estimate.message);
+    const PropertyTable& table = estimate.table;
     if (storing) {
         MaterialDocument document;
         if (!openMaterial(args.positionals[0], document, error))

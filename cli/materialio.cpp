@@ -16,8 +16,12 @@ std::optional<std::string> readInput(const std::string& path, std::string& error
 bool openMaterial(const std::string& path, MaterialDocument& document, std::string& error)
 {
     std::string reason;
-    if (document.open(path, reason))
+    if (document.open(path, reason)) {
+        // A file cut short still opens, as on the screens, but the user hears of it.
+        for (const std::string& warning : document.warnings())
+            warn(fileMessage(path, warning));
         return true;
+    }
     error = fileMessage(path, reason);
     return false;
 }

@@ -18,7 +18,8 @@ inline constexpr std::uintmax_t kMaxPhysPropsFileBytes = 16u * 1024u * 1024u;
 std::optional<std::string> readInput(
     const std::string& path, std::string& error, std::uintmax_t maxBytes = kMaxInputFileBytes);
 
-// Opens a .zmat into the document as the Open command does.
+// Opens a .zmat into the document as the Open command does; what the file lacked
+// (it ends early) is printed as a warning.
 [[nodiscard]] bool openMaterial(const std::string& path, MaterialDocument& document, std::string& error);
 [[nodiscard]] bool saveMaterial(const std::string& path, const MaterialDocument& document, std::string& error);
 // The library entry; wroteModelBlock tells whether the model had a block of its own.

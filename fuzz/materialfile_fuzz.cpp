@@ -56,7 +56,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         return 0;
     TextReader again(saved, ReadMode::SniffBom);
     Project reopened;
-    FUZZ_CHECK(reopened.ReadMaterialFile(again));
+    bool endedEarly = true;
+    FUZZ_CHECK(reopened.ReadMaterialFile(again, nullptr, &endedEarly));
+    FUZZ_CHECK(!endedEarly);  // what we write is whole
     FUZZ_CHECK(reopened.title == reopenedTitle(project.title));
     FUZZ_CHECK(sameKind(reopened.activeModel.get(), project.activeModel.get()));
     FUZZ_CHECK(reopened.activeModel == reopened.libraryModel());

@@ -20,17 +20,24 @@ std::string materialFileBytes(const Project& material)
     return out.bytes();
 }
 
-bool readMaterialBytes(std::string_view bytes, Project& material, FileVersion& version)
+bool readMaterialBytes(std::string_view bytes, Project& material, FileVersion& version,
+                       std::vector<std::string>* warnings)
 {
     // Read into a copy: a rejected file must leave the material as it was, and the
     // reader only promises that for the rejections of its first lines.
     Project read = material;
     TextReader in(bytes, ReadMode::SniffBom);
     FileVersion fileVersion;
-    if (!read.ReadMaterialFile(in, &fileVersion))
+    bool endedEarly = false;
+    if (!read.ReadMaterialFile(in, &fileVersion, &endedEarly))
         return false;
     material = std::move(read);
     version = fileVersion;
+    if (warnings) {
+        warnings->clear();
+        if (endedEarly)
+            warnings->emplace_back(messageText(MessageCode::MaterialFileEndsEarly));
+    }
     return true;
 }
 
@@ -55,7 +62,7 @@ bool MaterialDocument::open(const std::filesystem::path& path, std::string& erro
     const auto bytes = readFileBytes(path, error);
     if (!bytes)
         return false;
-    if (!readMaterialBytes(*bytes, material_, version_)) {
+    if (!readMaterialBytes(*bytes, material_, version_, &warnings_)) {
         error = messageText(MessageCode::NotAMaterialFile);
         return false;
     }

@@ -26,6 +26,9 @@ public:
     // material (what the file does not mention keeps its value). A rejected file
     // changes nothing; error says why.
     [[nodiscard]] bool open(const std::filesystem::path& path, std::string& error);
+    // What the file last opened lacked although it was read (e.g. it ends early),
+    // one message each; empty for a whole file.
+    const std::vector<std::string>& warnings() const { return warnings_; }
     // Writes the .zmat atomically: a failed save leaves the previous file.
     [[nodiscard]] bool save(const std::filesystem::path& path, std::string& error) const;
     // Writes the .z3dlib entry. Refused without a flow-stress model; a model with
@@ -47,6 +50,7 @@ private:
     Environment environment_;
     Project material_;
     FileVersion version_;
+    std::vector<std::string> warnings_;
     std::vector<Project> undo_;
     std::vector<Project> redo_;
     mutable bool modified_ = false;
@@ -55,7 +59,9 @@ private:
 // The material file's bytes and its reading, for callers that hold bytes.
 std::string materialFileBytes(const Project& material);
 // Reads bytes over material; false (material untouched) when the file is rejected.
-[[nodiscard]] bool readMaterialBytes(std::string_view bytes, Project& material, FileVersion& version);
+// What an accepted file lacked goes to warnings when given.
+[[nodiscard]] bool readMaterialBytes(std::string_view bytes, Project& material, FileVersion& version,
+                                     std::vector<std::string>* warnings = nullptr);
 
 // The library entry's bytes and whether the model wrote a block of its own.
 struct LibraryEntry {

@@ -27,7 +27,42 @@ void Project::WriteMaterialFile(TextWriter& out) const
     heatCapacity->writeMaterialBlock(out);
 }
 
-bool Project::ReadMaterialFile(TextReader& in, FileVersion* version)
+namespace {
+
+// The model the PLASTIC section's model line names, with its block read; null
+// when the line says there is none or names a kind that doesn't exist.
+std::shared_ptr<Plastic> readModelSection(TextReader& in, int major, int minor)
+{
+    std::u16string line;
+    if (!in.readNonBlankLine(line))
+        return nullptr;
+    int kind = ColdModel;
+    int number = 0;
+    bool threeColumns = false;
+    if (minor <= 4) {
+        number = toInt(line);
+        kind = isOldLayoutHotNumber(number) ? HotModel : ColdModel;
+    } else {
+        if (minor >= 6 && line == u"NULL\n")
+            return nullptr;
+        const auto tokens = split(line, u" ");
+        kind = tokens.empty() ? 0 : toInt(tokens[0]);
+        number = tokens.size() < 2 ? 0 : toInt(tokens[1]);
+        threeColumns = minor >= 6 && kind == HotModel && tokens.size() >= 3 && toInt(tokens[2]) == 1;
+    }
+    const std::shared_ptr<Plastic> model = createRecordOfKind(kind);
+    if (!model)
+        return nullptr;
+    model->modelNumber = number;
+    if (auto* hot = dynamic_cast<PLASTIC_HOT*>(model.get()))
+        hot->setHasThreeColumns(threeColumns);
+    model->readMaterialBlock(in, major, minor);
+    return model;
+}
+
+}  // namespace
+
+bool Project::ReadMaterialFile(TextReader& in, FileVersion* version, bool* endedEarly)
 {
     std::u16string line;
     in.readLine(line);
@@ -50,39 +85,31 @@ bool Project::ReadMaterialFile(TextReader& in, FileVersion* version)
     if (in.readLine(line))
         title = line;
 
+    // The writer ends the file with the HEAT section and a line end, so a section
+    // whose reading runs into the end, a missing HEAT section or a last line
+    // without its line end all mean the file was cut short.
+    bool heatReached = false;
+    bool sectionRanOut = false;
+    bool lastLineEnded = true;
     while (!in.atEnd() && in.readLine(line)) {
+        lastLineEnded = line.ends_with(u'\n') || !hasToken(line);
+        bool section = true;
         if (line == u"** ELASTIC\n") {
             elastic->readMaterialBlock(in, minor);
         } else if (line == u"** PLASTIC\n") {
-            if (!in.readNonBlankLine(line))
-                continue;
-            int kind = ColdModel;
-            int number = 0;
-            bool threeColumns = false;
-            if (minor <= 4) {
-                number = toInt(line);
-                kind = isOldLayoutHotNumber(number) ? HotModel : ColdModel;
-            } else {
-                if (minor >= 6 && line == u"NULL\n")
-                    continue;
-                const auto tokens = split(line, u" ");
-                kind = tokens.empty() ? 0 : toInt(tokens[0]);
-                number = tokens.size() < 2 ? 0 : toInt(tokens[1]);
-                threeColumns = minor >= 6 && kind == HotModel && tokens.size() >= 3 && toInt(tokens[2]) == 1;
-            }
-            const std::shared_ptr<Plastic> model = createRecordOfKind(kind);
-            if (!model)
-                continue;
-            model->modelNumber = number;
-            if (auto* hot = dynamic_cast<PLASTIC_HOT*>(model.get()))
-                hot->setHasThreeColumns(threeColumns);
-            model->readMaterialBlock(in, major, minor);
-            setModel(model);
+            if (const std::shared_ptr<Plastic> model = readModelSection(in, major, minor))
+                setModel(model);
         } else if (line == u"** HEAT\n") {
             conductivity->readLibraryBlock(in);
             heatCapacity->readLibraryBlock(in);
+            heatReached = true;
+        } else {
+            section = false;
         }
+        sectionRanOut = sectionRanOut || (section && in.atEnd());
     }
+    if (endedEarly)
+        *endedEarly = !heatReached || sectionRanOut || !lastLineEnded;
     return true;
 }
 

@@ -26,23 +26,60 @@ bool isHundredRow(double temperature)
     return static_cast<long long>(temperature) % 100 == 0;
 }
 
-// Rows of twelve numbers, read across line ends. A read that finds no number keeps
-// the previous row's values, so a final line end stores the last row twice.
-std::vector<Row> readRows(TextReader& in, bool& foundNumbers)
+// What stands where a number belongs, cut to a length a message can show.
+std::string offendingText(TextReader& in)
 {
-    std::vector<Row> rows;
+    constexpr std::size_t kShown = 20;
+    std::u16string token;
+    in.readToken(token, kShown);
+    return utf16ToUtf8(token);
+}
+
+// Why text where a number belongs can't be read, naming its line. The scan has
+// stopped at the text, so the reader stands on its line.
+std::string notANumber(TextReader& in)
+{
+    const std::size_t line = in.lineNumber();
+    const std::string text = offendingText(in);
+    // "20,5" scans as 20 and leaves ",5": a European export.
+    const bool decimalComma = text.size() >= 2 && text[0] == ',' && text[1] >= '0' && text[1] <= '9';
+    return formatMessage(decimalComma ? MessageCode::PhysPropsDecimalComma : MessageCode::PhysPropsNotANumber, line,
+                         text.c_str());
+}
+
+// Rows of twelve numbers, read across line ends. A read that finds no number keeps
+// the previous row's values, so a final line end stores the last row twice; text
+// that is no number, or a number no table can hold, refuses the file.
+bool readRows(TextReader& in, const std::array<std::size_t, 4>& index, std::vector<Row>& rows, std::string& refusal)
+{
     Row row{};
-    foundNumbers = false;
+    bool foundNumbers = false;
     while (!in.atEnd()) {
         std::size_t read = 0;
-        while (read < kNumbersPerRow && in.scanDouble(row[read]))
+        while (read < kNumbersPerRow && in.scanDouble(row[read])) {
+            if (!std::isfinite(row[read])) {
+                refusal = formatMessage(MessageCode::PhysPropsNotFinite, in.lineNumber(), row[read]);
+                return false;
+            }
             ++read;
-        if (read == 0 && !in.atEnd())
-            break;  // text that is no number: the rest of the file can't be read as rows
+        }
+        if (read < kNumbersPerRow && !in.atEnd()) {
+            refusal = notANumber(in);
+            return false;
+        }
+        // Finite numbers can still overflow in the conversion (a density of 1e300).
+        if (!std::isfinite(row[index[1]] / 1000.0) || !std::isfinite(row[index[2]] * row[index[3]] / 1000.0)) {
+            refusal = formatMessage(MessageCode::PhysPropsRowNotFinite, in.lineNumber());
+            return false;
+        }
         foundNumbers = foundNumbers || read > 0;
         rows.push_back(row);
     }
-    return rows;
+    if (!foundNumbers) {
+        refusal = messageText(MessageCode::PhysPropsNoRows);
+        return false;
+    }
+    return true;
 }
 
 }  // namespace
@@ -84,12 +121,9 @@ PhysPropsImport importPhysProps(std::string_view bytes)
         }
     }
 
-    bool foundNumbers = false;
-    const std::vector<Row> rows = readRows(in, foundNumbers);
-    if (!foundNumbers) {
-        result.message = messageText(MessageCode::PhysPropsNoRows);
+    std::vector<Row> rows;
+    if (!readRows(in, index, rows, result.message))
         return result;
-    }
 
     std::vector<const Row*> selected;
     const Row* coldest = &rows.front();

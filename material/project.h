@@ -35,8 +35,10 @@ public:
     void WriteMaterialFile(TextWriter& out) const;
     // False when the version line or the title keyword rejects the file; nothing
     // has been changed then.
-    // The version of an accepted file goes to version when one is given.
-    [[nodiscard]] bool ReadMaterialFile(TextReader& in, FileVersion* version = nullptr);
+    // The version of an accepted file goes to version when one is given, and to
+    // endedEarly whether the file stops short of the layout's end (it is still
+    // read as far as it goes).
+    [[nodiscard]] bool ReadMaterialFile(TextReader& in, FileVersion* version = nullptr, bool* endedEarly = nullptr);
     // The Open command's library reader; inert on a freshly opened stream.
     bool ReadLibraryFile(TextReader& in);
 

@@ -1,6 +1,8 @@
 #pragma once
 // Young's modulus of a steel against temperature from its composition (Tselikov).
 
+#include <string>
+
 #include "base/tablepoint.h"
 
 namespace zelko {
@@ -13,7 +15,14 @@ struct ChemicalComposition {  // weight percent
     double sulfur = 0.0;
 };
 
-// 13 rows at 20, 50, 100, ..., 900 C; values in MPa.
-PropertyTable tselikovYoungsModulus(const ChemicalComposition& composition);
+struct ModulusEstimate {
+    bool ok = false;
+    std::string message;  // why the composition was refused (UTF-8)
+    PropertyTable table;  // 13 rows at 20, 50, 100, ..., 900 C; values in MPa
+};
+
+// Refuses a composition no steel has (a content outside 0 to 100 wt%, or more
+// than 100 wt% together) and one the formula takes to a modulus of zero or less.
+ModulusEstimate tselikovYoungsModulus(const ChemicalComposition& composition);
 
 }  // namespace zelko

@@ -104,6 +104,25 @@ TEST(TextReader, CrLfReadsAsLfButALoneCrStays)
     EXPECT_EQ(line, u"b\rc\n");
 }
 
+TEST(TextReader, LineNumbersCountLineEndsBeforeTheReadPosition)
+{
+    // A Windows export: CRLF counts once, a lone CR is no line end.
+    TextReader in("a\r\nb\rc\n\n 7 x", ReadMode::EightBit);
+    EXPECT_EQ(in.lineNumber(), 1u);
+    std::u16string line;
+    in.readLine(line);
+    EXPECT_EQ(in.lineNumber(), 2u);
+    int value = 0;
+    // The scan skips the blank line, so the number's line is where it stopped.
+    EXPECT_FALSE(in.scanInt(value));
+    EXPECT_EQ(in.lineNumber(), 2u);
+    in.skipLine();
+    EXPECT_TRUE(in.scanInt(value));
+    EXPECT_EQ(in.lineNumber(), 4u);
+    EXPECT_FALSE(in.scanInt(value));
+    EXPECT_EQ(in.lineNumber(), 4u);
+}
+
 TEST(TextReader, NonBlankLineSkipsLinesOfSpacesAndTabs)
 {
     TextReader in = test::utf16Reader("\n  \t \n\n 7\n");

@@ -98,6 +98,51 @@ TEST(ImportPhysProps, RefusesAFileWithoutTheNeededColumns)
     EXPECT_FALSE(fs::exists(scratch.file("out.zmat")));
 }
 
+TEST(ImportPhysProps, RefusesNumbersNoTableCanHoldNamingTheLine)
+{
+    ScratchFolder scratch;
+    const std::string header = "T (C)\tDensity-TOTAL\tThermal conductivity-TOTAL\tSpecific heat (J/(g K))\ta\tb\tc\td\te\tf\tg\th\r\n";
+    const std::string good = "300\t7.70\t40.5\t0.52\t0\t0\t0\t0\t0\t0\t0\t0\r\n";
+    const std::vector<std::pair<std::string, std::string>> cases = {
+        // Saved on a desktop with a German number format.
+        {"200\t7,75\t42,5\t0,49\t0\t0\t0\t0\t0\t0\t0\t0\r\n", "Line 3 of the PhysProps file holds \",75\" after a number: "
+                                                            "the file uses decimal commas"},
+        {"200\t7.75\t1e400\t0.49\t0\t0\t0\t0\t0\t0\t0\t0\r\n", "Line 3 of the PhysProps file holds a number that is not finite"},
+        {"200\t7.75\tnan\t0.49\t0\t0\t0\t0\t0\t0\t0\t0\r\n", "Line 3 of the PhysProps file holds a number that is not finite (read as nan)"},
+    };
+    const fs::path physProps = scratch.file("steelPhysProps.dat");
+    const fs::path out = scratch.file("out.zmat");
+    for (const auto& [row, mention] : cases) {
+        SCOPED_TRACE(row);
+        writeBytes(physProps, header + good + row + good);
+        const CliResult result = runCli({"import-physprops", kSample, physProps.string(), "-o", out.string()});
+        EXPECT_TRUE(isOneErrorLine(result, physProps.string() + ": " + mention));
+        EXPECT_FALSE(fs::exists(out));
+    }
+}
+
+TEST(EstimateModulus, RefusesACompositionNoSteelHas)
+{
+    ScratchFolder scratch;
+    const fs::path out = scratch.file("out.zmat");
+    const std::vector<std::pair<std::vector<std::string>, std::string>> cases = {
+        {{"--C", "-0.45", "--Mn", "0.7", "--Si", "0.25", "--P", "0.02", "--S", "0.02"}, "carbon (C) content -0.45 wt%"},
+        {{"--C", "0.45", "--Mn", "700", "--Si", "0.25", "--P", "0.02", "--S", "0.02"}, "manganese (Mn) content 700 wt%"},
+        {{"--C", "0.45", "--Mn", "0.7", "--Si", "60", "--P", "0.02", "--S", "50"}, "add up to"},
+        // Each content possible, but the formula gives no modulus for it.
+        {{"--C", "0", "--Mn", "70", "--Si", "0", "--P", "0", "--S", "0"}, "no modulus: the manganese (Mn) content 70 wt%"},
+    };
+    for (const auto& [composition, mention] : cases) {
+        SCOPED_TRACE(::testing::PrintToString(composition));
+        std::vector<std::string> args = {"estimate-modulus"};
+        args.insert(args.end(), composition.begin(), composition.end());
+        EXPECT_TRUE(isOneErrorLine(runCli(args), mention));
+        args.insert(args.end(), {kSample, "-o", out.string()});
+        EXPECT_TRUE(isOneErrorLine(runCli(args), mention));
+        EXPECT_FALSE(fs::exists(out));
+    }
+}
+
 TEST(EstimateModulus, PrintsTheThirteenRows)
 {
     const CliResult zero = runCli({"estimate-modulus", "--C", "0", "--Mn", "0", "--Si", "0", "--P", "0", "--S", "0"});

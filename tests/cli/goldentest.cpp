@@ -58,6 +58,7 @@ TEST_P(GoldenCase, MatchesItsGoldenFiles)
         SCOPED_TRACE("info");
         const CliResult result = runCli({"info", material.string()});
         ASSERT_EQ(result.status, 0) << result.err;
+        EXPECT_EQ(result.err, "");  // a whole file opens without a warning
         EXPECT_TRUE(result.out.ends_with("}\n"));
         const Json::Value expected = parseJson(readBytes(golden("info.json")));
         EXPECT_TRUE(sameJson(expected, parseJson(result.out)));

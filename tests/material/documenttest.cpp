@@ -179,6 +179,36 @@ TEST(MaterialDocument, OpensWithTheFileVersionAndARejectedFileChangesNothing)
     expectSame(reopened.material(), snapshotOf(document.material()));
 }
 
+TEST(MaterialDocument, OpensAFileCutShortAndSaysSo)
+{
+    const auto folder = freshFolder("cut");
+    std::string error;
+    const auto whole = readFileBytes(kGolden / "cold-record" / "material.zmat", error);
+    ASSERT_TRUE(whole) << error;
+    // A copy to a full USB stick: the curve's last points and the thermal tables are gone.
+    const std::string cut = whole->substr(0, whole->size() * 3 / 4);
+    ASSERT_TRUE(saveFileAtomically(folder / "cut.zmat", cut, error)) << error;
+
+    MaterialDocument document;
+    ASSERT_TRUE(document.open(folder / "cut.zmat", error)) << error;
+    EXPECT_EQ(document.warnings(), std::vector<std::string>{"the file ends early; part of the material may be missing"});
+    // Read as far as it goes, exactly as the bytes read without a document.
+    Project read;
+    FileVersion version;
+    std::vector<std::string> warnings;
+    ASSERT_TRUE(readMaterialBytes(cut, read, version, &warnings));
+    EXPECT_EQ(warnings, document.warnings());
+    expectSame(document.material(), snapshotOf(read));
+
+    // A rejected file leaves the material and what was said about it; a whole file clears it.
+    EXPECT_FALSE(document.open(folder / "missing.zmat", error));
+    EXPECT_EQ(document.warnings().size(), 1u);
+    ASSERT_TRUE(document.open(kGolden / "cold-record" / "material.zmat", error)) << error;
+    EXPECT_TRUE(document.warnings().empty());
+    ASSERT_TRUE(readMaterialBytes(*whole, read, version, &warnings));
+    EXPECT_TRUE(warnings.empty());
+}
+
 TEST(MaterialDocument, ExportsTheFittedLawAndRefusesAMaterialWithoutModel)
 {
     const test::TemporaryFolder temporary;

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <vector>
 
 #include "hot/plastic_hot.h"
 #include "models/roomori.h"
@@ -256,6 +257,125 @@ TEST(MaterialFile, HostileCountsNeitherAllocateNorHang)
     ASSERT_TRUE(repeatedProject.ReadMaterialFile(repeatedIn));
     EXPECT_LT(materialBytes(repeatedProject).size(), 20u * repeated.size());
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
+}
+
+// Whether the reader accepted the bytes and found them cut short.
+struct ReadOutcome {
+    bool accepted = false;
+    bool endedEarly = false;
+};
+
+ReadOutcome readOutcome(std::string_view bytes, Project& project)
+{
+    TextReader in(bytes, ReadMode::SniffBom);
+    ReadOutcome outcome;
+    outcome.endedEarly = true;  // so a reader that forgets to report can't pass
+    outcome.accepted = project.ReadMaterialFile(in, nullptr, &outcome.endedEarly);
+    return outcome;
+}
+
+ReadOutcome readOutcome(std::string_view bytes)
+{
+    Project project;
+    return readOutcome(bytes, project);
+}
+
+std::vector<std::filesystem::path> everyMaterialFileOfTheTests()
+{
+    std::vector<std::filesystem::path> files;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(ZELKO_TEST_DATA))
+        if (entry.path().extension() == ".zmat")
+            files.push_back(entry.path());
+    return files;
+}
+
+TEST(MaterialFileEnd, WholeFilesNeverEndEarly)
+{
+    const auto files = everyMaterialFileOfTheTests();
+    EXPECT_GE(files.size(), 15u);
+    for (const auto& file : files) {
+        SCOPED_TRACE(file.string());
+        Project project;
+        const ReadOutcome outcome = readOutcome(fileBytes(file), project);
+        ASSERT_TRUE(outcome.accepted);
+        EXPECT_FALSE(outcome.endedEarly);
+        // Nor does what the writer makes of it.
+        EXPECT_FALSE(readOutcome(materialBytes(project)).endedEarly);
+    }
+    // The writer's smallest file: no model, empty tables.
+    EXPECT_FALSE(readOutcome(materialBytes(Project())).endedEarly);
+    // Hand-made files may skip sections and end on blank lines; the HEAT section is what a whole file ends with.
+    EXPECT_FALSE(readOutcome(test::utf16File("** VER. 21 6\n*Title\nT\n** HEAT\n 1\n 20 0.5\n 0\n\n  \n")).endedEarly);
+    EXPECT_FALSE(readOutcome(test::utf16File("** VER. 21 6\n*Title\nT\n** HEAT\n 0\n 0\n   ")).endedEarly);
+}
+
+TEST(MaterialFileEnd, EveryCutOfAWholeFileIsNoticed)
+{
+    // A copy that failed part way, at any byte: rejected when too little is left
+    // to know the file, else read as far as it goes and reported.
+    std::size_t read = 0;
+    for (const auto& file : everyMaterialFileOfTheTests()) {
+        const std::string whole = fileBytes(file);
+        for (std::size_t size = 0; size < whole.size(); ++size) {
+            const ReadOutcome outcome = readOutcome(std::string_view(whole).substr(0, size));
+            if (outcome.accepted) {
+                ++read;
+                EXPECT_TRUE(outcome.endedEarly) << file << " cut to " << size << " bytes";
+            }
+        }
+    }
+    EXPECT_GT(read, 10000u);  // the loop really read the cuts
+}
+
+TEST(MaterialFileEnd, CutShortFilesReadAsBeforeAndAreReported)
+{
+    const std::string head = "** VER. 21 6\n*Title\nT\n** ELASTIC\n 1\n 210000\n 1\n 0.3\n 1\n 7850\n 1\n 1.2e-5\n";
+    const std::string wholeHeat = "** HEAT\n 2\n 20 0.5\n 1000 0.6\n 1\n 20 0.004\n";
+    ASSERT_FALSE(readOutcome(test::utf16File(head + "** PLASTIC\nNULL\n" + wholeHeat)).endedEarly);
+
+    // The HEAT section never reached: the copy stopped after the model.
+    Project noHeat;
+    noHeat.conductivity->points = {{1, 2}};
+    const ReadOutcome stoppedBeforeHeat = readOutcome(test::utf16File(head + "** PLASTIC\nNULL\n"), noHeat);
+    EXPECT_TRUE(stoppedBeforeHeat.accepted);
+    EXPECT_TRUE(stoppedBeforeHeat.endedEarly);
+    EXPECT_EQ(noHeat.conductivity->points, (PropertyTable{{1, 2}}));  // an absent section keeps what was there
+    EXPECT_DOUBLE_EQ(noHeat.elastic->value(Density), 7850);
+
+    // A count that promises more points than the file holds: the missing ones are zero.
+    Project shortTable;
+    EXPECT_TRUE(readOutcome(test::utf16File(head + "** HEAT\n 2\n 20 0.5\n 1000 0.6\n 3\n 20 0.004\n"), shortTable)
+                    .endedEarly);
+    EXPECT_EQ(shortTable.heatCapacity->points, (PropertyTable{{20, 0.004}, {0, 0}, {0, 0}}));
+
+    // The model's number line missing: the file ends right after the PLASTIC header.
+    EXPECT_TRUE(readOutcome(test::utf16File(head + "** PLASTIC\n\n")).endedEarly);
+    // A cold record whose curve stops part way.
+    Project cutCurve;
+    EXPECT_TRUE(readOutcome(test::utf16File(head + "** PLASTIC\n 0 3\n 1 2 0 1\n 75 10\n 2 3\n 0.1 400\n 0.2"), cutCurve)
+                    .endedEarly);
+    const auto* record = dynamic_cast<RoomOri*>(cutCurve.activeModel.get());
+    ASSERT_NE(record, nullptr);
+    EXPECT_EQ(record->curves[TrueCurve], (Curve{{0.1, 400}, {0.2, 0}, {0, 0}}));
+    // A hot record whose curves stop before the grid is full.
+    EXPECT_TRUE(readOutcome(test::utf16File(head + "** PLASTIC\n 1 17 0\n 0\n 1 2 1 0\n 0.1\n\n 900\n 1000\n\n 0.2\n\n\n"
+                                                   "\tstrain-rate: 0.1\ttemperature: 900\n 1\n 0 0.2 50\n"))
+                    .endedEarly);
+    // The elastic section stopping inside a table, and the title with nothing after it.
+    EXPECT_TRUE(readOutcome(test::utf16File("** VER. 21 6\n*Title\nT\n** ELASTIC\n 2\n 3\n 20 1\n")).endedEarly);
+    EXPECT_TRUE(readOutcome(test::utf16File("** VER. 21 6\n*Title\nT\n")).endedEarly);
+
+    // Cut inside the last number: every number is there, but the last line has lost its end.
+    Project cutNumber;
+    EXPECT_TRUE(readOutcome(test::utf16File(head + wholeHeat.substr(0, wholeHeat.size() - 3)), cutNumber).endedEarly);
+    EXPECT_EQ(cutNumber.heatCapacity->points, (PropertyTable{{20, 0.0}}));
+    // Cut between the CR and the LF of the last line end (8-bit and UTF-16 files alike).
+    const std::string utf16 = test::utf16File(head + wholeHeat);
+    EXPECT_TRUE(readOutcome(std::string_view(utf16).substr(0, utf16.size() - 2)).endedEarly);
+    EXPECT_TRUE(readOutcome(std::string_view(utf16).substr(0, utf16.size() - 1)).endedEarly);
+    std::string eightBit = head + wholeHeat;
+    eightBit.replace(eightBit.size() - 1, 1, "\r");
+    EXPECT_TRUE(readOutcome(eightBit).endedEarly);
 }
 
 TEST(MaterialFile, LibraryFileReaderLeavesTheMaterialAsItWas)

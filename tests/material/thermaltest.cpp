@@ -127,6 +127,68 @@ TEST(PhysPropsImport, RefusesFilesItCannotReadWithAMessage)
     EXPECT_FALSE(importPhysProps(std::string("\x00\xff\x01\t\n", 5)).ok);
 }
 
+// The second of three rows replaced, so the fault sits on line 3 of the file.
+std::string withSecondRow(const std::string& row, std::string_view lineEnd = "\n")
+{
+    std::string text = physProps({300, 200, 100}, true);
+    const std::size_t second = text.find('\n', text.find('\n') + 1) + 1;
+    text.replace(second, text.find('\n', second) - second, row);
+    std::string ended;
+    for (const char c : text)
+        ended += c == '\n' ? std::string(lineEnd) : std::string(1, c);
+    return ended;
+}
+
+TEST(PhysPropsImport, RefusesNumbersNoTableCanHoldAndNamesTheLine)
+{
+    const auto refusal = [](const std::string& text) {
+        const PhysPropsImport result = importPhysProps(text);
+        EXPECT_FALSE(result.ok);
+        EXPECT_TRUE(result.conductivity.empty());
+        return result.message;
+    };
+    // An export from a German or French desktop, with Windows line ends or without.
+    for (const std::string_view lineEnd : {"\n", "\r\n"}) {
+        EXPECT_EQ(refusal(withSecondRow("200\t7,8\t0\t32\t0\t0\t0\t0\t0\t0\t0\t0,47", lineEnd)),
+                  "Line 3 of the PhysProps file holds \",8\" after a number: the file uses decimal commas; "
+                  "export it with decimal points.");
+    }
+    // Beyond a double, and what a failed calculation writes.
+    EXPECT_EQ(refusal(withSecondRow("200 7.8 0 1e400 0 0 0 0 0 0 0 0.5")),
+              "Line 3 of the PhysProps file holds a number that is not finite (read as inf).");
+    EXPECT_EQ(refusal(withSecondRow("200 7.8 0 30 0 0 0 0 0 0 0 nan")),
+              "Line 3 of the PhysProps file holds a number that is not finite (read as nan).");
+    EXPECT_EQ(refusal(withSecondRow("200 -Infinity 0 30 0 0 0 0 0 0 0 0.5")),
+              "Line 3 of the PhysProps file holds a number that is not finite (read as -inf).");
+    // Twelve numbers spread over two lines: the line named is the one the bad number stands on.
+    EXPECT_EQ(refusal(withSecondRow("200 7.8 0 30 0 0\n0 0 0 0 0 NaN")),
+              "Line 4 of the PhysProps file holds a number that is not finite (read as nan).");
+    // A column JMatPro left blank as text, and a footer under the rows.
+    EXPECT_EQ(refusal(withSecondRow("200 7.8 0 n/a 0 0 0 0 0 0 0 0.5")),
+              "Line 3 of the PhysProps file holds \"n/a\" where a number belongs.");
+    EXPECT_EQ(refusal(physProps({200, 100}, true) + "End of data\n"),
+              "Line 4 of the PhysProps file holds \"End\" where a number belongs.");
+    // Each number finite, but density times specific heat is not.
+    EXPECT_EQ(refusal(withSecondRow("200 1e300 0 30 0 0 0 0 0 0 0 1e300")),
+              "The row ending on line 3 of the PhysProps file gives a conductivity or heat capacity that is not finite.");
+    // A row the selection would skip is refused all the same: no table holds it.
+    EXPECT_NE(refusal(withSecondRow("250 7.8 0 30 0 0 0 0 0 0 0 nan")), "");
+}
+
+TEST(PhysPropsImport, KeepsTheLenientReadingsThatAreNoNonsense)
+{
+    // Numbers written with exponents, signs and no leading digit are numbers.
+    const PhysPropsImport exponents = importPhysProps(withSecondRow("2E2 +7.8 0 3.2e1 0 0 0 0 0 0 0 .47"));
+    ASSERT_TRUE(exponents.ok) << exponents.message;
+    EXPECT_EQ(temperaturesOf(exponents.conductivity), (std::vector<double>{300, 200, 100, 100, 100}));
+    EXPECT_DOUBLE_EQ(exponents.conductivity[1].value, 0.032);
+    // A last row cut short takes the missing numbers from the row before, as the row reader always did.
+    const PhysPropsImport cut = importPhysProps(physProps({300, 200}, true) + "100 7.9");
+    ASSERT_TRUE(cut.ok) << cut.message;
+    EXPECT_EQ(temperaturesOf(cut.conductivity), (std::vector<double>{300, 200, 100, 100}));
+    EXPECT_DOUBLE_EQ(cut.conductivity.back().value, (30 + 2.0) / 1000);
+}
+
 }  // namespace
 }  // namespace zelko
 
