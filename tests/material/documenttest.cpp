@@ -181,7 +181,8 @@ TEST(MaterialDocument, OpensWithTheFileVersionAndARejectedFileChangesNothing)
 
 TEST(MaterialDocument, OpensAFileCutShortAndSaysSo)
 {
-    const auto folder = freshFolder("cut");
+    const test::TemporaryFolder temporary;
+    const auto& folder = temporary.path();
     std::string error;
     const auto whole = readFileBytes(kGolden / "cold-record" / "material.zmat", error);
     ASSERT_TRUE(whole) << error;
