@@ -5,7 +5,7 @@
 #include "base/fileio.h"
 #include "cold/coldfit.h"
 #include "coldrecords.h"
-#include "coldtestfolder.h"
+#include "temporaryfolder.h"
 #include "testutil.h"
 
 namespace zelko {
@@ -47,7 +47,7 @@ TEST(ColdFit, SwiftComparisonTableGoesIntoTheFolderItIsGiven)
 {
     const ColdFitResult result = fitColdLaw(engineeringRecord(), ColdLawId::Swift, {});
     ASSERT_TRUE(result.law);
-    const test::ColdTestFolder folder;
+    const test::TemporaryFolder folder;
     const std::filesystem::path exchange = folder.path() / "exchange" / "made";  // made when missing
     std::string error;
     ASSERT_TRUE(writeSwiftComparisonTable(*result.law, exchange, error)) << error;
@@ -64,7 +64,7 @@ TEST(ColdFit, SwiftComparisonTableGoesIntoTheFolderItIsGiven)
     EXPECT_EQ(rows, 29);  // one line per fitted point
 
     // A folder that can't be made: a reason, and the table isn't written anywhere.
-    test::writeFile(folder.path() / "file", "x");
+    ASSERT_TRUE(saveFileAtomically(folder.path() / "file", "x", error)) << error;
     error.clear();
     EXPECT_FALSE(writeSwiftComparisonTable(*result.law, folder.path() / "file" / "sub", error));
     EXPECT_FALSE(error.empty());
