@@ -21,6 +21,20 @@ constexpr MessageEntry kMessages[] = {
     {MessageCode::CannotCreateFolder, "cannot create the folder %s"},
     // models
     // cold
+    {MessageCode::UnknownHardeningLaw, "There is no hardening law with that number."},
+    {MessageCode::TooFewPointsToNecking, "At least two points are needed between the start and the necking point."},
+    {MessageCode::NoValidEngineeringPoints, "The engineering curve has no valid points between the start and the necking point."},
+    {MessageCode::TrueCurveNotANumber, "The true curve holds a value that is not a number."},
+    {MessageCode::IncorrectLengthUnit, "Incorrect length unit was selected."},
+    {MessageCode::IncorrectForceUnit, "Incorrect force unit was selected"},
+    {MessageCode::UnknownInputCurve, "Unknown kind of input curve."},
+    {MessageCode::SpecimenNotPositive, "The diameter and the gauge length must be greater than 0."},
+    {MessageCode::CurveNotANumber, "The curve holds a value that is not a number."},
+    {MessageCode::NoAnalysisResultFile, "There is no analysis result file."},
+    {MessageCode::AnalysisNotCompleted, "Analysis has not been completed."},
+    {MessageCode::CurveLineNotTwoOrThreeNumbers, "line %zu: expected two or three numbers"},
+    {MessageCode::CurveLineNotFinite, "line %zu: a value is not a finite number"},
+    {MessageCode::CurveTooShort, "the curve has fewer than two points"},
     // hot
     {MessageCode::RateNotPositive, "Please enter a number greater than '0'."},
     {MessageCode::TooManyTemperatures, "The maximum number of temperature is 30."},

@@ -14,6 +14,20 @@ enum class MessageCode {
     CannotCreateFolder,
     // models
     // cold
+    UnknownHardeningLaw,
+    TooFewPointsToNecking,
+    NoValidEngineeringPoints,
+    TrueCurveNotANumber,
+    IncorrectLengthUnit,
+    IncorrectForceUnit,
+    UnknownInputCurve,
+    SpecimenNotPositive,
+    CurveNotANumber,
+    NoAnalysisResultFile,
+    AnalysisNotCompleted,
+    CurveLineNotTwoOrThreeNumbers,
+    CurveLineNotFinite,
+    CurveTooShort,
     // hot
     RateNotPositive,
     TooManyTemperatures,

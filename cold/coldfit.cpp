@@ -5,6 +5,7 @@
 
 #include "base/exchangefolder.h"
 #include "base/fileio.h"
+#include "base/messages.h"
 #include "base/numbers.h"
 #include "base/textfile.h"
 #include "cold/lawpolish.h"
@@ -79,27 +80,27 @@ ColdFitResult fitColdLaw(const RoomOri& record, ColdLawId id, const RunControl& 
     ColdFitResult result;
     std::shared_ptr<ColdLaw> law = makeColdLaw(id, record);
     if (!law) {
-        result.message = "There is no hardening law with that number.";
+        result.message = messageText(MessageCode::UnknownHardeningLaw);
         return result;
     }
     if (record.inputKind != TrueCurve) {
         if (record.neckingIndex - record.startIndex + 1 < 2) {
-            result.message = "At least two points are needed between the start and the necking point.";
+            result.message = messageText(MessageCode::TooFewPointsToNecking);
             return result;
         }
         result.trueCurve = trueCurveFromEngineering(record);
         if (!result.trueCurve) {
-            result.message = "The engineering curve has no valid points between the start and the necking point.";
+            result.message = messageText(MessageCode::NoValidEngineeringPoints);
             return result;
         }
         law->curves[TrueCurve] = *result.trueCurve;
     }
     if (!allFinite(law->curves[TrueCurve], [](const CurvePoint& p) { return std::array{p.x, p.y, p.weight}; })) {
-        result.message = "The true curve holds a value that is not a number.";
+        result.message = messageText(MessageCode::TrueCurveNotANumber);
         return result;
     }
     if (law->fittedPoints().size() < 2) {
-        result.message = "At least two points are needed between the start and the necking point.";
+        result.message = messageText(MessageCode::TooFewPointsToNecking);
         return result;
     }
 

@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "base/messages.h"
 #include "base/numbers.h"
 #include "base/textfile.h"
 
@@ -42,18 +43,18 @@ std::optional<Curve> readCurveText(std::string_view bytes, std::string& error)
                 continue;  // a header line of words
         }
         if (!numbers || columns < 2) {
-            error = "line " + std::to_string(lineNumber) + ": expected two or three numbers";
+            error = formatMessage(MessageCode::CurveLineNotTwoOrThreeNumbers, lineNumber);
             return std::nullopt;
         }
         if (!std::isfinite(values[0]) || !std::isfinite(values[1]) || !std::isfinite(values[2])) {
-            error = "line " + std::to_string(lineNumber) + ": a value is not a finite number";
+            error = formatMessage(MessageCode::CurveLineNotFinite, lineNumber);
             return std::nullopt;
         }
         inData = true;
         curve.push_back({values[0], values[1], values[2], columns == 3});
     }
     if (curve.size() < 2) {
-        error = "the curve has fewer than two points";
+        error = messageText(MessageCode::CurveTooShort);
         return std::nullopt;
     }
     return curve;

@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "base/fileio.h"
+#include "base/messages.h"
 #include "base/numbers.h"
 
 namespace zelko {
@@ -230,8 +231,8 @@ TensileResultStatus readTensileResult(const std::filesystem::path& jobFile, PLAS
 const char* tensileResultMessage(TensileResultStatus status)
 {
     switch (status) {
-    case TensileResultStatus::NoResultFile: return "There is no analysis result file.";
-    case TensileResultStatus::NotCompleted: return "Analysis has not been completed.";
+    case TensileResultStatus::NoResultFile: return messageText(MessageCode::NoAnalysisResultFile).data();
+    case TensileResultStatus::NotCompleted: return messageText(MessageCode::AnalysisNotCompleted).data();
     case TensileResultStatus::Read: break;
     }
     return "";

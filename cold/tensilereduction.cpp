@@ -3,6 +3,7 @@
 #include <array>
 #include <cmath>
 
+#include "base/messages.h"
 #include "base/numbers.h"
 
 namespace zelko {
@@ -43,14 +44,14 @@ std::optional<std::string> convertEnteredUnits(RoomOri& record)
         else if (record.lengthUnit == Inch)
             lengthFactor = 25.4 * 0.5;
         else
-            return std::string("Incorrect length unit was selected.");
+            return std::string(messageText(MessageCode::IncorrectLengthUnit));
     } else if (record.lengthUnit == Inch) {
         lengthFactor = 0.01;  // strain entered in percent
     }
     if (!factor)
-        return std::string("Incorrect force unit was selected");
+        return std::string(messageText(MessageCode::IncorrectForceUnit));
     if (record.inputKind < LoadDisplacement || record.inputKind > TrueCurve)
-        return std::string("Unknown kind of input curve.");
+        return std::string(messageText(MessageCode::UnknownInputCurve));
     for (CurvePoint& p : record.curves[static_cast<std::size_t>(record.inputKind)]) {
         p.x *= lengthFactor;
         p.y *= *factor;
@@ -67,12 +68,12 @@ std::optional<std::string> deriveCurveForms(RoomOri& record, double& area)
 {
     if (!(record.diameter > 0.0) || !(record.gaugeLength > 0.0) || !std::isfinite(record.diameter)
         || !std::isfinite(record.gaugeLength))
-        return std::string("The diameter and the gauge length must be greater than 0.");
+        return std::string(messageText(MessageCode::SpecimenNotPositive));
     if (record.inputKind < LoadDisplacement || record.inputKind > TrueCurve)
-        return std::string("Unknown kind of input curve.");
+        return std::string(messageText(MessageCode::UnknownInputCurve));
     const Curve& entered = record.curves[static_cast<std::size_t>(record.inputKind)];
     if (!allFinite(entered, [](const CurvePoint& p) { return std::array{p.x, p.y}; }))
-        return std::string("The curve holds a value that is not a number.");
+        return std::string(messageText(MessageCode::CurveNotANumber));
 
     Curve& loadDisplacement = record.curves[LoadDisplacement];
     Curve& engineering = record.curves[EngineeringCurve];
