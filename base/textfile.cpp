@@ -225,12 +225,13 @@ bool TextReader::readToken(std::u16string& token, std::size_t maxUnits)
     return true;
 }
 
-bool TextReader::scanInt(int& value)
+template <typename Number>
+bool TextReader::scanNumber(Number& value, std::size_t (*leading)(std::u16string_view, Number&))
 {
     skipWhiteSpace();
     const std::u16string_view rest(text_.data() + pos_, text_.size() - pos_);
-    int read = 0;
-    const std::size_t length = leadingInt(rest, read);
+    Number read{};
+    const std::size_t length = leading(rest, read);
     if (length == 0)
         return false;
     value = read;
@@ -240,19 +241,14 @@ bool TextReader::scanInt(int& value)
     return true;
 }
 
+bool TextReader::scanInt(int& value)
+{
+    return scanNumber(value, leadingInt);
+}
+
 bool TextReader::scanDouble(double& value)
 {
-    skipWhiteSpace();
-    const std::u16string_view rest(text_.data() + pos_, text_.size() - pos_);
-    double read = 0.0;
-    const std::size_t length = leadingDouble(rest, read);
-    if (length == 0)
-        return false;
-    value = read;
-    pos_ += length;
-    if (pos_ >= text_.size())
-        eof_ = true;
-    return true;
+    return scanNumber(value, leadingDouble);
 }
 
 std::size_t TextReader::lineNumber() const

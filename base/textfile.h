@@ -94,6 +94,9 @@ public:
 
 private:
     void skipWhiteSpace();
+    // Reads one number with the leading-number parser given (leadingInt, leadingDouble).
+    template <typename Number>
+    bool scanNumber(Number& value, std::size_t (*leading)(std::u16string_view, Number&));
     std::u16string text_;
     std::size_t pos_ = 0;
     bool eof_ = false;
