@@ -41,6 +41,8 @@ public:
     void put(std::string_view text);
     // printf onto narrow text, then appended; never pass user text as fmt.
     void format(const char* fmt, ...) ZELKO_PRINTF_FORMAT(2, 3);
+    // Room for this many characters more, for writers that know their size.
+    void reserve(std::size_t more) { text_.reserve(text_.size() + more); }
 
     const std::u16string& text() const { return text_; }
     TextEncoding encoding() const { return encoding_; }

@@ -194,7 +194,10 @@ std::optional<ProcessingMap> computeProcessingMap(const PLASTIC_HOT& model, std:
 TextWriter processingMapData(const ProcessingMap& map, std::size_t k)
 {
     TextWriter out(TextEncoding::EightBit);
-    out.put(std::string_view("# Temperature, Strain rate, power, instability\n"));
+    constexpr std::string_view header = "# Temperature, Strain rate, power, instability\n";
+    // Half a million lines: growing the text as it goes would copy it over and over.
+    out.reserve(header.size() + map.temperatureNodes() * (map.rateNodes() * 44 + 1));
+    out.put(header);
     std::string line;
     for (std::size_t i = 0; i < map.temperatureNodes(); ++i) {
         for (std::size_t j = 0; j < map.rateNodes(); ++j) {
