@@ -69,6 +69,7 @@ bool MaterialDocument::open(const std::filesystem::path& path, std::string& erro
     undo_.clear();
     redo_.clear();
     modified_ = false;
+    lastCommitWasTitle_ = false;
     return true;
 }
 
@@ -102,6 +103,33 @@ void MaterialDocument::commit(Project edited)
     redo_.clear();
     material_ = std::move(edited);
     modified_ = true;
+    lastCommitWasTitle_ = false;
+}
+
+void MaterialDocument::setTitle(std::u16string title)
+{
+    if (title == material_.title)
+        return;
+    if (lastCommitWasTitle_ && !undo_.empty()) {
+        material_.title = std::move(title);
+        modified_ = true;
+        return;
+    }
+    Project edited = material_;
+    edited.title = std::move(title);
+    commit(std::move(edited));
+    lastCommitWasTitle_ = true;
+}
+
+void MaterialDocument::close()
+{
+    material_ = Project();
+    version_ = FileVersion{};
+    warnings_.clear();
+    undo_.clear();
+    redo_.clear();
+    modified_ = false;
+    lastCommitWasTitle_ = false;
 }
 
 void MaterialDocument::undo()
@@ -112,6 +140,7 @@ void MaterialDocument::undo()
     material_ = std::move(undo_.back());
     undo_.pop_back();
     modified_ = true;
+    lastCommitWasTitle_ = false;
 }
 
 void MaterialDocument::redo()
@@ -122,6 +151,7 @@ void MaterialDocument::redo()
     material_ = std::move(redo_.back());
     redo_.pop_back();
     modified_ = true;
+    lastCommitWasTitle_ = false;
 }
 
 }  // namespace zelko

@@ -38,6 +38,11 @@ public:
     // A copy to edit; hand it back with commit.
     Project copy() const { return material_; }
     void commit(Project edited);
+    // The title as typed, keystroke by keystroke: one undo step for a run of
+    // title edits, not one per character.
+    void setTitle(std::u16string title);
+    // Close: a new, empty material, with nothing to undo.
+    void close();
     // Back to the material before the last commit (and forward again).
     bool canUndo() const { return !undo_.empty(); }
     bool canRedo() const { return !redo_.empty(); }
@@ -54,6 +59,7 @@ private:
     std::vector<Project> undo_;
     std::vector<Project> redo_;
     mutable bool modified_ = false;
+    bool lastCommitWasTitle_ = false;
 };
 
 // The material file's bytes and its reading, for callers that hold bytes.

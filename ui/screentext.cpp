@@ -1,0 +1,33 @@
+#include "ui/screentext.h"
+
+#include <QMessageBox>
+#include <QWidget>
+
+#include "base/numbers.h"
+#include "base/textfile.h"
+
+namespace zelko::ui {
+
+QString fieldText(double value) { return numberText("%.15g", value); }
+
+std::optional<double> fieldNumber(const QString& text)
+{
+    double value = 0.0;
+    if (parseNumberField(text.trimmed().toStdU16String(), value) != NumberField::Finite)
+        return std::nullopt;
+    return value;
+}
+
+QString numberText(const char* format, double value)
+{
+    return QString::fromStdString(formatText(format, value));
+}
+
+void refuseField(QWidget* parent, QWidget* field)
+{
+    QMessageBox::warning(parent, QStringLiteral("ZELKO_MAT"), QStringLiteral("Please enter a number."));
+    if (field)
+        field->setFocus();
+}
+
+}  // namespace zelko::ui
