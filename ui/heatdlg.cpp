@@ -80,12 +80,15 @@ QWidget* CHeatDlg::makeSide(int which, const QString& title, const QString& valu
     side.list = new QTableWidget(0, 2, group);
     side.list->setObjectName(which == 0 ? QStringLiteral("conductivityList") : QStringLiteral("heatCapacityList"));
     side.list->setHorizontalHeaderLabels({QStringLiteral("Temperature"), valueTitle});
-    side.list->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+    side.list->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
+    side.list->horizontalHeader()->setSectionResizeMode(1, QHeaderView::ResizeToContents);
     side.list->verticalHeader()->hide();
+    // Compact rows: the presets' eight points and a header fit without scrolling.
+    side.list->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 8);
     side.list->setSelectionBehavior(QAbstractItemView::SelectRows);
     side.list->setSelectionMode(QAbstractItemView::SingleSelection);
     side.list->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    side.list->setMinimumSize(320, 240);
+    side.list->setMinimumSize(380, 10 * (fontMetrics().height() + 8));
     side.temperature = new QLineEdit(group);
     side.value = new QLineEdit(group);
     side.temperature->setObjectName(QStringLiteral("temperature%1").arg(which));

@@ -42,14 +42,17 @@ CDlgListData::CDlgListData(int property, PropertyTable table, const ChemicalComp
 
     list_ = new QTableWidget(0, 3, this);
     list_->setHorizontalHeaderLabels({QStringLiteral("Id"), QStringLiteral("Temperature"), propertyLabel(property_)});
-    for (int c = 0; c < 3; ++c)
-        list_->setColumnWidth(c, 100);
+    list_->setColumnWidth(0, 60);
+    list_->setColumnWidth(1, 120);
     list_->horizontalHeader()->setStretchLastSection(true);
     list_->verticalHeader()->hide();
+    list_->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 8);
     list_->setSelectionBehavior(QAbstractItemView::SelectRows);
     list_->setEditTriggers(QAbstractItemView::NoEditTriggers);
     list_->setShowGrid(true);
-    list_->setMinimumSize(340, 300);
+    // Room for the property's label in full beside the two narrow columns.
+    list_->setMinimumSize(60 + 120 + fontMetrics().horizontalAdvance(propertyLabel(property_)) + 48,
+                          15 * (fontMetrics().height() + 8));
 
     auto* top = new QHBoxLayout;
     top->addWidget(new QLabel(QStringLiteral("Method"), this));
@@ -74,6 +77,7 @@ void CDlgListData::runMethod(int index)
         return;
     }
     table_ = estimate.table;
+    method_->setCurrentIndex(0);
     showTable();
 }
 
