@@ -21,7 +21,7 @@ QString installationFolder()
     // Built tree: the program sits beside language/; installed: bin/ beside share/zelko-mat/.
     const QString programFolder = QCoreApplication::applicationDirPath();
     for (const QString& candidate : {programFolder, programFolder + QStringLiteral("/../share/zelko-mat")})
-        if (QFileInfo(candidate + QStringLiteral("/language")).isDir())
+        if (QFileInfo(candidate + QStringLiteral("/language")).isDir() || QFileInfo(candidate + QStringLiteral("/docs")).isDir())
             return QDir::cleanPath(candidate);
     return programFolder;
 }
