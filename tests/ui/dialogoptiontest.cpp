@@ -101,33 +101,28 @@ private slots:
         QCOMPARE(languages(negative)->currentIndex(), -1);
     }
 
-    void englishTexts()
+    void textsInEachLanguage_data()
     {
-        CDialogOption dialog(0);
-        QCOMPARE(shownTexts(dialog), QStringLiteral("Option...|Language|Language|Display language|OK|Cancel"));
+        QTest::addColumn<int>("langId");
+        QTest::addColumn<QString>("texts");
+        QTest::newRow("English") << 0 << QStringLiteral("Option...|Language|Language|Display language|OK|Cancel");
+        QTest::newRow("Korean") << 1 << QStringLiteral("옵션...|언어|언어|표시 언어|확인|취소");
+        QTest::newRow("Japanese") << 2 << QStringLiteral("オプション...|言語|言語|表示言語|OK|キャンセル");
+    }
+
+    void textsInEachLanguage()
+    {
+        QFETCH(int, langId);
+        QFETCH(QString, texts);
+        zelko::ui::setCurrentLanguageId(langId);
+        CDialogOption dialog(langId);
+        QCOMPARE(shownTexts(dialog), texts);
+        // Each language's own name, whatever the language shown.
         QCOMPARE(comboItems(dialog), QStringLiteral("English|한국어|日本語"));
+        QCOMPARE(languages(dialog)->currentIndex(), langId);
         auto* categories = dialog.findChild<QListWidget*>(QStringLiteral("categories"));
         QCOMPARE(categories->count(), 1);
         QCOMPARE(categories->currentRow(), 0);
-        verifyNothingClipped(dialog);
-    }
-
-    void koreanTexts()
-    {
-        zelko::ui::setCurrentLanguageId(1);
-        CDialogOption dialog(1);
-        QCOMPARE(shownTexts(dialog), QStringLiteral("옵션...|언어|언어|표시 언어|확인|취소"));
-        QCOMPARE(comboItems(dialog), QStringLiteral("English|한국어|日本語"));
-        verifyNothingClipped(dialog);
-    }
-
-    void japaneseTexts()
-    {
-        zelko::ui::setCurrentLanguageId(2);
-        CDialogOption dialog(2);
-        QCOMPARE(shownTexts(dialog), QStringLiteral("オプション...|言語|言語|表示言語|OK|キャンセル"));
-        QCOMPARE(comboItems(dialog), QStringLiteral("English|한국어|日本語"));
-        QCOMPARE(languages(dialog)->currentIndex(), 2);
         verifyNothingClipped(dialog);
     }
 
