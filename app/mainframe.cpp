@@ -17,6 +17,7 @@
 #include <QVBoxLayout>
 
 #include "app/matview.h"
+#include "ui/dialogoption.h"
 #include "ui/uisettings.h"
 
 CMainFrame::CMainFrame(QWidget* parent) : QMainWindow(parent)
@@ -24,6 +25,9 @@ CMainFrame::CMainFrame(QWidget* parent) : QMainWindow(parent)
     setObjectName(QStringLiteral("CMainFrame"));
     // The title never shows the file's name.
     setWindowTitle(QStringLiteral("ZELKO_MAT"));
+    // The language is known before any window exists; a bad options file means English.
+    options_.load(std::filesystem::path(zelko::ui::optionsFilePath().toStdU16String()));
+    zelko::ui::setCurrentLanguageId(options_.langId);
     view_ = new CMATView(document_, this);
     setCentralWidget(view_);
     buildMenus();
@@ -31,6 +35,8 @@ CMainFrame::CMainFrame(QWidget* parent) : QMainWindow(parent)
     setAcceptDrops(true);
     connect(view_, &CMATView::materialStateChanged, this, &CMainFrame::updateCommands);
     updateCommands();
+    // On the frame, so the menus are translated with the form; the title has no entry.
+    view_->translateWindow(this, QStringLiteral("Main"));
 }
 
 void CMainFrame::buildMenus()
@@ -82,7 +88,15 @@ bool CMainFrame::openFromOutside(const QString& path)
 
 void CMainFrame::showOptions()
 {
-    QMessageBox::information(this, QStringLiteral("Option..."), QStringLiteral("Language: English"));
+    const int oldLangId = options_.langId;
+    CDialogOption dialog(options_.langId, this);
+    if (dialog.exec() != QDialog::Accepted)
+        return;
+    options_.langId = dialog.languageId();
+    // Not written (a read-only settings folder): the language still applies for this run.
+    (void)options_.save(std::filesystem::path(zelko::ui::optionsFilePath().toStdU16String()));
+    zelko::ui::setCurrentLanguageId(options_.langId);
+    zelko::ui::retranslateAfterLanguageChange(*view_, this, QStringLiteral("Main"), oldLangId);
 }
 
 void CMainFrame::openManual()

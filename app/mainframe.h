@@ -3,6 +3,7 @@
 
 #include <QMainWindow>
 
+#include "base/options.h"
 #include "material/document.h"
 
 class CMATView;
@@ -31,6 +32,7 @@ private:
     void buildMenus();
     void updateCommands();
 
+    zelko::Option options_;
     zelko::MaterialDocument document_;
     CMATView* view_ = nullptr;
     QAction* new_ = nullptr;

@@ -8,13 +8,14 @@
 
 #include "material/document.h"
 #include "material/tselikov.h"
+#include "ui/managertranslate.h"
 
 class QButtonGroup;
 class QLineEdit;
 class QPushButton;
 class QRadioButton;
 
-class CMATView : public QWidget {
+class CMATView : public QWidget, public ManagerTranslate {
     Q_OBJECT
 public:
     explicit CMATView(zelko::MaterialDocument& document, QWidget* parent = nullptr);

@@ -41,9 +41,7 @@ CDlgChemicalComposition::CDlgChemicalComposition(const ChemicalComposition& comp
         form->addRow(QString::fromUtf8(labels[i]), fields_[i]);
     }
 
-    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
-    connect(buttons, &QDialogButtonBox::accepted, this, &CDlgChemicalComposition::accept);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    auto* buttons = zelko::ui::okCancelButtons(this);
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(classForm);
     layout->addWidget(group);

@@ -74,12 +74,7 @@ CElasticDlg::CElasticDlg(const ELASTIC& elastic, const ChemicalComposition& comp
     presets->addWidget(aluminum);
     presets->addStretch();
 
-    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
-    for (QAbstractButton* button : buttons->buttons())
-        if (auto* push = qobject_cast<QPushButton*>(button))
-            push->setAutoDefault(false);
-    connect(buttons, &QDialogButtonBox::accepted, this, &CElasticDlg::accept);
-    connect(buttons, &QDialogButtonBox::rejected, this, &CElasticDlg::reject);
+    auto* buttons = zelko::ui::okCancelButtons(this);
 
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(grid);
@@ -92,6 +87,7 @@ CElasticDlg::CElasticDlg(const ELASTIC& elastic, const ChemicalComposition& comp
         showForm(i);
     }
     showValues();
+    translateWindow(this, QStringLiteral("Elastic"));
 }
 
 void CElasticDlg::showForm(int property)

@@ -8,12 +8,13 @@
 
 #include "material/elasticscreen.h"
 #include "material/tselikov.h"
+#include "ui/managertranslate.h"
 
 class QComboBox;
 class QLineEdit;
 class QPushButton;
 
-class CElasticDlg : public QDialog {
+class CElasticDlg : public QDialog, public ManagerTranslate {
     Q_OBJECT
 public:
     CElasticDlg(const zelko::ELASTIC& elastic, const zelko::ChemicalComposition& composition,

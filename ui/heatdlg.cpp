@@ -59,18 +59,14 @@ CHeatDlg::CHeatDlg(PropertyTable conductivity, PropertyTable heatCapacity, QWidg
     }
     commands->addStretch();
 
-    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
-    for (QAbstractButton* button : buttons->buttons())
-        if (auto* push = qobject_cast<QPushButton*>(button))
-            push->setAutoDefault(false);
-    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    auto* buttons = zelko::ui::okCancelButtons(this);
 
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(sides);
     layout->addLayout(commands);
     layout->addWidget(buttons);
     redrawAll();
+    translateWindow(this, QStringLiteral("Heat"));
 }
 
 QWidget* CHeatDlg::makeSide(int which, const QString& title, const QString& valueTitle)

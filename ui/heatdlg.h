@@ -6,11 +6,12 @@
 
 #include "base/tablepoint.h"
 #include "material/thermaltables.h"
+#include "ui/managertranslate.h"
 
 class QLineEdit;
 class QTableWidget;
 
-class CHeatDlg : public QDialog {
+class CHeatDlg : public QDialog, public ManagerTranslate {
     Q_OBJECT
 public:
     CHeatDlg(zelko::PropertyTable conductivity, zelko::PropertyTable heatCapacity, QWidget* parent = nullptr);

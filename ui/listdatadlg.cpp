@@ -57,9 +57,7 @@ CDlgListData::CDlgListData(int property, PropertyTable table, const ChemicalComp
     auto* top = new QHBoxLayout;
     top->addWidget(new QLabel(QStringLiteral("Method"), this));
     top->addWidget(method_, 1);
-    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
-    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    auto* buttons = zelko::ui::okCancelButtons(this);
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(top);
     layout->addWidget(list_);

@@ -1,6 +1,9 @@
 #include "ui/screentext.h"
 
+#include <QDialog>
+#include <QDialogButtonBox>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QWidget>
 
 #include "base/numbers.h"
@@ -21,6 +24,18 @@ std::optional<double> fieldNumber(const QString& text)
 QString numberText(const char* format, double value)
 {
     return QString::fromStdString(formatText(format, value));
+}
+
+QDialogButtonBox* okCancelButtons(QDialog* dialog)
+{
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, dialog);
+    buttons->button(QDialogButtonBox::Ok)->setText(QStringLiteral("OK"));
+    buttons->button(QDialogButtonBox::Cancel)->setText(QStringLiteral("Cancel"));
+    for (QAbstractButton* button : buttons->buttons())
+        static_cast<QPushButton*>(button)->setAutoDefault(false);
+    QObject::connect(buttons, &QDialogButtonBox::accepted, dialog, &QDialog::accept);
+    QObject::connect(buttons, &QDialogButtonBox::rejected, dialog, &QDialog::reject);
+    return buttons;
 }
 
 void refuseField(QWidget* parent, QWidget* field)

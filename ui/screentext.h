@@ -7,6 +7,8 @@
 #include <optional>
 #include <string>
 
+class QDialog;
+class QDialogButtonBox;
 class QWidget;
 
 namespace zelko::ui {
@@ -20,6 +22,10 @@ QString fieldText(double value);
 std::optional<double> fieldNumber(const QString& text);
 // printf-style formatting of one value through the engine ("%g", "%.7f", ...).
 QString numberText(const char* format, double value);
+
+// OK and Cancel with fixed captions (a desktop theme's "&OK" would miss the
+// translation files), neither taking Enter, wired to accept and reject.
+QDialogButtonBox* okCancelButtons(QDialog* dialog);
 
 // The message the screens give when a typed field is not a number; focuses it.
 void refuseField(QWidget* parent, QWidget* field);
