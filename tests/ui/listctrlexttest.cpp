@@ -43,6 +43,7 @@ private slots:
     void editStartScrollsTheCellIntoView();
     void longTextWidensTheEditorUpToTheRightEdge();
     void editorKeysNeverReachTheDialog();
+    void editBoxAloneKeepsItsKeys();
     void pasteWritesFromTheCurrentCell();
     void pasteRefusesTooManyRows();
     void copyAndSelectAll();
@@ -54,6 +55,9 @@ private:
     // A grid of rows x columns 60 px wide inside a shown, active dialog with a
     // default OK button, as the data-entry screens hold it.
     CListCtrlExt* makeGrid(int rows, int columns);
+    // Without a window manager (xvfb) a window may never become active; the
+    // focus rules tested here hold within the window all the same.
+    void showDialog();
     QPoint cellCentre(int row, int column) const;
     // Double clicks the cell; the editor that opened, or null.
     CInPlaceEdit* doubleClick(int row, int column);
@@ -92,12 +96,17 @@ CListCtrlExt* ListCtrlExtTest::makeGrid(int rows, int columns)
     layout->addWidget(grid_);
     layout->addWidget(buttons_);
     dialog_->resize(320, 240);
+    showDialog();
+    grid_->setFocus();
+    return grid_;
+}
+
+void ListCtrlExtTest::showDialog()
+{
     dialog_->show();
     dialog_->activateWindow();
     if (!QTest::qWaitForWindowActive(dialog_.get()))
         qWarning("the dialog did not become active");
-    grid_->setFocus();
-    return grid_;
 }
 
 QPoint ListCtrlExtTest::cellCentre(int row, int column) const
@@ -287,6 +296,17 @@ void ListCtrlExtTest::editStartScrollsTheCellIntoView()
     QVERIFY(grid_->verticalScrollBar()->value() > 0);
     QVERIFY(grid_->viewport()->rect().contains(editor->geometry()));
     QCOMPARE(editor->geometry(), grid_->visualRect(grid_->model()->index(35, 11)));
+    QTest::keyClick(editor, Qt::Key_Escape);
+    QTRY_VERIFY(grid_->inPlaceEdit() == nullptr);
+
+    // an edit the owner starts on a cell that is not the current one scrolls too
+    grid_->scrollToTop();
+    grid_->horizontalScrollBar()->setValue(0);
+    const QModelIndex far = grid_->model()->index(30, 10);
+    static_cast<QAbstractItemView*>(grid_)->edit(far);
+    QVERIFY(grid_->inPlaceEdit() != nullptr);
+    QVERIFY(grid_->currentIndex() != far);
+    QVERIFY(grid_->viewport()->rect().contains(grid_->visualRect(far)));
 }
 
 void ListCtrlExtTest::longTextWidensTheEditorUpToTheRightEdge()
@@ -352,6 +372,30 @@ void ListCtrlExtTest::editorKeysNeverReachTheDialog()
     QCOMPARE(rejected.count(), 0);
     QVERIFY(dialog_->isVisible());
     QVERIFY(grid_->hasFocus());
+}
+
+void ListCtrlExtTest::editBoxAloneKeepsItsKeys()
+{
+    // The box keeps Return and Escape itself, whoever its parent is.
+    auto* layout = new QVBoxLayout(dialog_.get());
+    auto* edit = new CInPlaceEdit(0, 0, dialog_.get());
+    auto* ok = new QPushButton(QStringLiteral("OK"), dialog_.get());
+    ok->setDefault(true);
+    connect(ok, &QPushButton::clicked, dialog_.get(), &QDialog::accept);
+    layout->addWidget(edit);
+    layout->addWidget(ok);
+    QSignalSpy accepted(dialog_.get(), &QDialog::accepted);
+    QSignalSpy rejected(dialog_.get(), &QDialog::rejected);
+    showDialog();
+    edit->setFocus();
+    edit->setInitialText(QStringLiteral("12"));
+    QCOMPARE(edit->selectedText(), QStringLiteral("12"));
+    QTest::keyClick(edit, Qt::Key_Return);
+    QTest::keyClick(edit, Qt::Key_Enter);
+    QTest::keyClick(edit, Qt::Key_Escape);
+    QCOMPARE(accepted.count(), 0);
+    QCOMPARE(rejected.count(), 0);
+    QVERIFY(dialog_->isVisible());
 }
 
 void ListCtrlExtTest::pasteWritesFromTheCurrentCell()
