@@ -352,7 +352,9 @@ void CListCtrlExt::keyPressEvent(QKeyEvent* event)
         return;
     }
     if (event == QKeySequence::Copy) {
-        QGuiApplication::clipboard()->setText(selectedText());
+        // Nothing selected leaves the clipboard as it was.
+        if (const QString text = selectedText(); !text.isEmpty())
+            QGuiApplication::clipboard()->setText(text);
         return;
     }
     if (event == QKeySequence::SelectAll) {

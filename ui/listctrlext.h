@@ -44,6 +44,7 @@ public:
     void setColumnAlignment(int column, Qt::Alignment alignment);
     Qt::Alignment columnAlignment(int column) const;
 
+    using QTableWidget::edit;
     // Starts editing a cell as a double click does; false when it cannot be edited.
     bool editCell(int row, int column);
     // The edit box while an edit runs, else null.

@@ -303,10 +303,19 @@ void ListCtrlExtTest::editStartScrollsTheCellIntoView()
     grid_->scrollToTop();
     grid_->horizontalScrollBar()->setValue(0);
     const QModelIndex far = grid_->model()->index(30, 10);
-    static_cast<QAbstractItemView*>(grid_)->edit(far);
+    grid_->edit(far);
     QVERIFY(grid_->inPlaceEdit() != nullptr);
     QVERIFY(grid_->currentIndex() != far);
     QVERIFY(grid_->viewport()->rect().contains(grid_->visualRect(far)));
+    QTest::keyClick(grid_->inPlaceEdit(), Qt::Key_Escape);
+    QTRY_VERIFY(grid_->inPlaceEdit() == nullptr);
+
+    // a column wider than the list: the box ends at the list's right edge
+    grid_->setColumnWidth(4, 2000);
+    QVERIFY(grid_->editCell(3, 4));
+    const QRect box = grid_->inPlaceEdit()->geometry();
+    QCOMPARE(box.left(), grid_->visualRect(grid_->model()->index(3, 4)).left());
+    QCOMPARE(box.right(), grid_->viewport()->width() - 1);
 }
 
 void ListCtrlExtTest::longTextWidensTheEditorUpToTheRightEdge()
@@ -453,6 +462,12 @@ void ListCtrlExtTest::copyAndSelectAll()
         for (int c = 0; c < 3; ++c)
             if (*texts[r][c])
                 grid_->setItem(r, c, new QTableWidgetItem(QString::fromUtf8(texts[r][c])));
+
+    // nothing selected: the clipboard keeps what it had
+    QGuiApplication::clipboard()->setText(QStringLiteral("before"));
+    grid_->clearSelection();
+    QTest::keyClick(grid_, Qt::Key_C, Qt::ControlModifier);
+    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("before"));
 
     grid_->setRangeSelected(QTableWidgetSelectionRange(0, 1, 1, 2), true);
     QTest::keyClick(grid_, Qt::Key_C, Qt::ControlModifier);
