@@ -137,7 +137,15 @@ bool writeTemporary(const fs::path& temporary, const fs::path& target, std::stri
 #endif
 }
 
-// "sub/../m.zmat" and "m.zmat" are one file, and so are two hard links.
+std::string replaceMessage(const std::error_code& ec)
+{
+    if (ec == std::errc::filename_too_long)
+        return std::string(kNameTooLong);
+    return "cannot replace the file: " + ec.message();
+}
+
+}  // namespace
+
 bool sameFile(const fs::path& a, const fs::path& b)
 {
     std::error_code ec;
@@ -149,15 +157,6 @@ bool sameFile(const fs::path& a, const fs::path& b)
     const fs::path canonicalB = fs::weakly_canonical(b, ec);
     return ec ? a == b : canonicalA == canonicalB;
 }
-
-std::string replaceMessage(const std::error_code& ec)
-{
-    if (ec == std::errc::filename_too_long)
-        return std::string(kNameTooLong);
-    return "cannot replace the file: " + ec.message();
-}
-
-}  // namespace
 
 std::optional<std::string> readFileBytes(const fs::path& path, std::string& error, std::uintmax_t maxBytes)
 {

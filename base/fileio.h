@@ -24,6 +24,10 @@ std::optional<std::string> readFileBytes(const std::filesystem::path& path, std:
 // save leaves the previous file as it was.
 bool saveFileAtomically(const std::filesystem::path& path, std::string_view bytes, std::string& error);
 
+// Whether two names reach one file: relative parts, links and hard links followed.
+// The file need not exist yet.
+bool sameFile(const std::filesystem::path& a, const std::filesystem::path& b);
+
 // The outputs of one command or screen, put in place together or not at all: each
 // is written whole into a temporary file beside its target first, and only commit
 // replaces the targets. Until then (and after a failed commit) every target is as
