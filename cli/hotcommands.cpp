@@ -182,24 +182,26 @@ int runProcessingMap(const ParsedArguments& args)
     const std::filesystem::path& folder = environment.exchangeFolder;
     if (!ensureFolder(folder, error))
         return fail(error);
-    // The picture is drawn first and put in place last, so a drawing that fails
-    // leaves every file as it was.
+    // The map's files and the picture are put in place together once all are
+    // written, so a drawing that fails leaves every file as it was.
     PendingOutputs outputs;
+    const std::filesystem::path data = folder / "processing_map.dat";
+    const std::filesystem::path script = folder / "processing_map.txt";
+    if (!outputs.stage(data, processingMapData(*map, 0).bytes(), error))
+        return fail(fileMessage(data.string(), error));
+    if (!outputs.stage(script, processingMapScript(*model, contourStep, data.string()).bytes(), error))
+        return fail(fileMessage(script.string(), error));
+    std::string written = data.string() + "\n" + script.string() + "\n";
     if (png) {
         const std::optional<std::filesystem::path> drawing = outputs.reserve(*png, error);
         const PngRequest picture{{}, drawing.value_or(std::filesystem::path()), kMapPictureWidth, kMapPictureHeight};
         if (!drawing
             || renderProcessingMapPng(*map, 0, *model, contourStep, picture, environment, {}, error) != RenderEnd::Drawn)
             return fail(fileMessage(*png, error));
+        written += *png + "\n";
     }
-    const auto files = writeProcessingMapFiles(*map, 0, *model, contourStep, folder, error);
-    if (!files)
-        return fail(fileMessage(folder.string(), error));
     if (const int status = commitOutputs(outputs); status != 0)
         return status;
-    std::string written = files->data.string() + "\n" + files->script.string() + "\n";
-    if (png)
-        written += *png + "\n";
     return printResult(written);
 }
 
