@@ -107,7 +107,11 @@ bool writeTemporary(const fs::path& temporary, const fs::path& target, std::stri
         fs::permissions(temporary, previous.permissions(), ec);
     return true;
 #else
-    const int fd = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    // A file being replaced lends its permissions, and until then nobody else may
+    // read the new bytes; a new file gets what the umask allows.
+    struct stat previous {};
+    const bool replacing = ::stat(target.c_str(), &previous) == 0 && S_ISREG(previous.st_mode);
+    const int fd = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, replacing ? 0600 : 0666);
     if (fd < 0) {
         error = errno == ENAMETOOLONG ? kNameTooLong : kCannotCreate;
         return false;
@@ -118,12 +122,11 @@ bool writeTemporary(const fs::path& temporary, const fs::path& target, std::stri
         const ssize_t n = ::write(fd, bytes.data() + done, bytes.size() - done);
         if (n > 0)
             done += static_cast<std::size_t>(n);
-        else if (n < 0 && errno != EINTR)
+        else if (n == 0 || errno != EINTR)
             written = false;
     }
-    // A private file stays private, and a file someone else owns stays theirs where we may.
-    struct stat previous {};
-    if (written && ::stat(target.c_str(), &previous) == 0 && S_ISREG(previous.st_mode)) {
+    // The replaced file's permissions, and its owner where we may.
+    if (written && replacing) {
         if (::fchmod(fd, previous.st_mode & 07777) != 0)
             written = false;
         else if (previous.st_uid != ::geteuid() || previous.st_gid != ::getegid())

@@ -13,21 +13,13 @@
 #endif
 
 #include "base/fileio.h"
+#include "foldernames.h"
 #include "testutil.h"
 
 namespace zelko {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::vector<std::string> fileNames(const fs::path& folder)
-{
-    std::vector<std::string> names;
-    for (const fs::directory_entry& entry : fs::directory_iterator(folder))
-        names.push_back(entry.path().filename().string());
-    std::sort(names.begin(), names.end());
-    return names;
-}
 
 TEST(FileIo, FailedSaveKeepsThePreviousFile)
 {
@@ -46,7 +38,7 @@ TEST(FileIo, FailedSaveKeepsThePreviousFile)
     std::filesystem::create_directories(folder / "taken");
     EXPECT_FALSE(saveFileAtomically(folder / "taken", "x", error));
     EXPECT_TRUE(std::filesystem::is_directory(folder / "taken"));
-    EXPECT_EQ(fileNames(folder), (std::vector<std::string>{"m.zmat", "taken"}));
+    EXPECT_EQ(test::namesIn(folder), (std::vector<std::string>{"m.zmat", "taken"}));
     EXPECT_FALSE(readFileBytes(folder / "nothing", error).has_value());
     EXPECT_FALSE(readFileBytes(path, error, 3).has_value());  // over the size limit
     std::filesystem::remove_all(folder);
@@ -101,12 +93,12 @@ TEST(FileIo, ASaveThatFailsHalfwayLeavesThePreviousFileAndNoTemporary)
     const auto kept = readFileBytes(path, error);
     ASSERT_TRUE(kept.has_value()) << error;
     EXPECT_TRUE(test::sameBytes(*kept, previous));
-    EXPECT_EQ(fileNames(folder), std::vector<std::string>{"m.zmat"});
+    EXPECT_EQ(test::namesIn(folder), std::vector<std::string>{"m.zmat"});
 
     // With room again the same save goes through whole.
     ASSERT_TRUE(saveFileAtomically(path, larger, error)) << error;
     EXPECT_TRUE(test::sameBytes(*readFileBytes(path, error), larger));
-    EXPECT_EQ(fileNames(folder), std::vector<std::string>{"m.zmat"});
+    EXPECT_EQ(test::namesIn(folder), std::vector<std::string>{"m.zmat"});
     fs::remove_all(folder);
 }
 

@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -10,22 +9,13 @@
 #endif
 
 #include "base/fileio.h"
+#include "foldernames.h"
 #include "temporaryfolder.h"
 
 namespace zelko {
 namespace {
 
 namespace fs = std::filesystem;
-
-// Every name in the folder: a leftover temporary shows up here.
-std::vector<std::string> namesIn(const fs::path& folder)
-{
-    std::vector<std::string> names;
-    for (const fs::directory_entry& entry : fs::directory_iterator(folder))
-        names.push_back(entry.path().filename().string());
-    std::sort(names.begin(), names.end());
-    return names;
-}
 
 std::string bytesOf(const fs::path& path)
 {
@@ -43,7 +33,7 @@ void put(const fs::path& path, std::string_view bytes)
 class PendingOutputsTest : public ::testing::Test {
 protected:
     fs::path file(std::string_view name) const { return temporary_.path() / name; }
-    std::vector<std::string> names() const { return namesIn(temporary_.path()); }
+    std::vector<std::string> names() const { return test::namesIn(temporary_.path()); }
 
     test::TemporaryFolder temporary_;
     std::string error;
@@ -148,7 +138,7 @@ TEST_F(PendingOutputsTest, ALinkIsWrittenThroughToItsFile)
     EXPECT_TRUE(fs::is_symlink(file("dangling.zmat")));
     EXPECT_EQ(bytesOf(file("real/new.zmat")), "made");
     EXPECT_EQ(names(), (std::vector<std::string>{"chain.zmat", "dangling.zmat", "link.zmat", "real"}));
-    EXPECT_EQ(namesIn(file("real")), (std::vector<std::string>{"m.zmat", "new.zmat"}));
+    EXPECT_EQ(test::namesIn(file("real")), (std::vector<std::string>{"m.zmat", "new.zmat"}));
 }
 
 TEST_F(PendingOutputsTest, AReplacedFileKeepsItsPermissions)

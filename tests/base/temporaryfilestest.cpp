@@ -1,12 +1,12 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <csignal>
 #include <filesystem>
 #include <string>
 #include <vector>
 
 #include "base/fileio.h"
+#include "foldernames.h"
 #include "base/temporaryfiles.h"
 #include "temporaryfolder.h"
 
@@ -16,15 +16,6 @@ namespace {
 namespace fs = std::filesystem;
 
 #if !defined(_WIN32)
-
-std::vector<std::string> namesIn(const fs::path& folder)
-{
-    std::vector<std::string> names;
-    for (const fs::directory_entry& entry : fs::directory_iterator(folder))
-        names.push_back(entry.path().filename().string());
-    std::sort(names.begin(), names.end());
-    return names;
-}
 
 // The child stages a large save (as a big material with curves would be) and is
 // stopped before its commit.
@@ -48,7 +39,7 @@ TEST(TemporaryFiles, AStoppedSaveLeavesNoTemporaryAndThePreviousFile)
         std::string error;
         ASSERT_TRUE(saveFileAtomically(temporary.path() / "m.zmat", "previous", error)) << error;
         EXPECT_EXIT(stageAndStop(temporary.path(), signal), ::testing::KilledBySignal(signal), "");
-        EXPECT_EQ(namesIn(temporary.path()), std::vector<std::string>{"m.zmat"});
+        EXPECT_EQ(test::namesIn(temporary.path()), std::vector<std::string>{"m.zmat"});
         EXPECT_EQ(readFileBytes(temporary.path() / "m.zmat", error), "previous");
     }
 }
@@ -73,7 +64,7 @@ TEST(TemporaryFiles, TheListOutlivesManySaves)
 {
     const test::TemporaryFolder temporary;
     EXPECT_EXIT(saveManyThenStop(temporary.path()), ::testing::KilledBySignal(SIGTERM), "");
-    EXPECT_EQ(namesIn(temporary.path()), (std::vector<std::string>{"m0.zmat", "m1.zmat", "m2.zmat"}));
+    EXPECT_EQ(test::namesIn(temporary.path()), (std::vector<std::string>{"m0.zmat", "m1.zmat", "m2.zmat"}));
 }
 
 #endif
