@@ -43,21 +43,27 @@ bool choiceOption(const ParsedArguments& args, std::string_view option, std::spa
     return false;
 }
 
-// Saves the material and, when asked, its library entry with the record's model.
-int saveResults(const ParsedArguments& args, MaterialDocument& document, Project edited)
+// Refused before any work: the second file would silently replace the first.
+bool checkOutputs(const ParsedArguments& args, std::string& error)
+{
+    return distinctOutputs(kOutput, *args.option(kOutput), kExport, args.option(kExport), error);
+}
+
+// Stages the material and, when asked, its library entry with the record's model.
+bool stageResults(const ParsedArguments& args, MaterialDocument& document, Project edited, PendingOutputs& outputs,
+                  std::string& error)
 {
     document.commit(std::move(edited));
-    std::string error;
-    if (!saveMaterial(*args.option(kOutput), document, error))
-        return fail(error);
+    if (!saveMaterial(outputs, *args.option(kOutput), document, error))
+        return false;
     if (const std::string* library = args.option(kExport)) {
         bool wroteModelBlock = false;
-        if (!exportMaterial(*library, document, wroteModelBlock, error))
-            return fail(error);
+        if (!exportMaterial(outputs, *library, document, wroteModelBlock, error))
+            return false;
         if (!wroteModelBlock)
             warn(fileMessage(*library, "the model writes no block of its own; the entry has none"));
     }
-    return 0;
+    return true;
 }
 
 int runFitCold(const ParsedArguments& args)
@@ -65,7 +71,7 @@ int runFitCold(const ParsedArguments& args)
     const std::string& materialPath = args.positionals[0];
     MaterialDocument document;
     std::string error;
-    if (!openMaterial(materialPath, document, error))
+    if (!checkOutputs(args, error) || !openMaterial(materialPath, document, error))
         return fail(error);
     if (const std::string refusal = tensileRecordRefusal(document.material()); !refusal.empty())
         return fail(fileMessage(materialPath, refusal));
@@ -123,9 +129,12 @@ int runFitCold(const ParsedArguments& args)
     TensileFit fit = fitTensileLaw(document.material(), *entered.record, *lawId, settings, document.environment());
     if (!fit.material)
         return fail(fileMessage(curvePath, fit.error));
+    PendingOutputs outputs;
+    if (!stageResults(args, document, std::move(*fit.material), outputs, error))
+        return fail(error);
     if (const int status = printResult(fit.text + "\n"); status != 0)
         return status;
-    return saveResults(args, document, std::move(*fit.material));
+    return commitOutputs(outputs);
 }
 
 // The record of the material, ready for the solver.
@@ -158,6 +167,8 @@ int runTensileResult(const ParsedArguments& args)
 {
     MaterialDocument document;
     std::string error;
+    if (!checkOutputs(args, error))
+        return fail(error);
     const std::shared_ptr<RoomOri> record = jobRecord(args, document, error);
     if (!record)
         return fail(error);
@@ -165,7 +176,10 @@ int runTensileResult(const ParsedArguments& args)
     TensileResult result = readTensileJobResult(document.material(), *record, job);
     if (!result.material)
         return fail(fileMessage(job, tensileResultMessage(result.status)));
-    return saveResults(args, document, std::move(*result.material));
+    PendingOutputs outputs;
+    if (!stageResults(args, document, std::move(*result.material), outputs, error))
+        return fail(error);
+    return commitOutputs(outputs);
 }
 
 }  // namespace

@@ -39,8 +39,11 @@ bool parsePreset(
 // Saves the material to the file of -o; the exit status.
 int saveOutput(const ParsedArguments& args, const MaterialDocument& document)
 {
+    PendingOutputs outputs;
     std::string error;
-    return saveMaterial(*args.option(kOutput), document, error) ? 0 : fail(error);
+    if (!saveMaterial(outputs, *args.option(kOutput), document, error))
+        return fail(error);
+    return commitOutputs(outputs);
 }
 
 int runInfo(const ParsedArguments& args)
@@ -107,9 +110,12 @@ int runExport(const ParsedArguments& args)
     const std::shared_ptr<Plastic> model = document.material().libraryModel();
     if (!model)
         return fail(fileMessage(path, messageText(MessageCode::NoFlowStressModel)));
+    PendingOutputs outputs;
     bool wroteModelBlock = false;
-    if (!exportMaterial(*args.option(kOutput), document, wroteModelBlock, error))
+    if (!exportMaterial(outputs, *args.option(kOutput), document, wroteModelBlock, error))
         return fail(error);
+    if (const int status = commitOutputs(outputs); status != 0)
+        return status;
     if (!wroteModelBlock)
         warn(fileMessage(path, missingModelBlockWarning(*model)));
     return 0;
@@ -155,6 +161,8 @@ int runEstimateModulus(const ParsedArguments& args)
     if (!estimate.ok)
         return fail(estimate.message);
     const PropertyTable& table = estimate.table;
+    // The file is put in place only once the rows are printed.
+    PendingOutputs outputs;
     if (storing) {
         MaterialDocument document;
         if (!openMaterial(args.positionals[0], document, error))
@@ -163,13 +171,15 @@ int runEstimateModulus(const ParsedArguments& args)
         project.elastic->propertyType[YoungsModulus] = 2;
         project.elastic->setTable(YoungsModulus, table);
         document.commit(std::move(project));
-        if (const int status = saveOutput(args, document); status != 0)
-            return status;
+        if (!saveMaterial(outputs, *args.option(kOutput), document, error))
+            return fail(error);
     }
     std::string rows;
     for (const TablePoint& p : table)
         rows += formatText("%.10g %.10g\n", p.temperature, p.value);
-    return printResult(rows);
+    if (const int status = printResult(rows); status != 0)
+        return status;
+    return commitOutputs(outputs);
 }
 
 }  // namespace

@@ -3,6 +3,8 @@
 #include <vector>
 
 #include "base/environment.h"
+#include "base/exchangefolder.h"
+#include "base/fileio.h"
 #include "base/messages.h"
 #include "base/numbers.h"
 #include "cli/commands.h"
@@ -21,6 +23,7 @@ namespace zelko::cli {
 namespace {
 
 constexpr std::string_view kOutput = "-o";
+constexpr std::string_view kExport = "--export";
 // A contour every 0.1 % of efficiency is already more than a map can show.
 constexpr double kSmallestContourStep = 0.1;
 constexpr int kMapPictureWidth = 1200;
@@ -108,6 +111,8 @@ int runFitHot(const ParsedArguments& args)
         || (args.option("--strains") && !parseStrains(*args.option("--strains"), strainItems, error)))
         return fail(error);
     fitOptions.maxIterations = static_cast<int>(iterations);
+    if (!distinctOutputs(kOutput, *args.option(kOutput), kExport, args.option(kExport), error))
+        return fail(error);
 
     MaterialDocument document;
     if (!openMaterial(materialPath, document, error))
@@ -129,17 +134,20 @@ int runFitHot(const ParsedArguments& args)
     warnAbout(result, curvesPath);
 
     document.commit(std::move(*fitted.material));
-    if (!saveMaterial(*args.option(kOutput), document, error))
+    PendingOutputs outputs;
+    if (!saveMaterial(outputs, *args.option(kOutput), document, error))
         return fail(error);
-    if (const std::string* library = args.option("--export")) {
+    if (const std::string* library = args.option(kExport)) {
         bool wroteModelBlock = false;
-        if (!exportMaterial(*library, document, wroteModelBlock, error))
+        if (!exportMaterial(outputs, *library, document, wroteModelBlock, error))
             return fail(error);
         if (!wroteModelBlock)
             warn(formatText("model %d has no library block; the entry's model section is empty",
                             static_cast<int>(modelId)));
     }
-    return printResult(result.report);
+    if (const int status = printResult(result.report); status != 0)
+        return status;
+    return commitOutputs(outputs);
 }
 
 int runProcessingMap(const ParsedArguments& args)
@@ -168,17 +176,32 @@ int runProcessingMap(const ParsedArguments& args)
     const std::shared_ptr<const PLASTIC_HOT> model = refitHotModel(*dataSet);
     const Environment& environment = document.environment();
     const auto map = computeProcessingMap(*model, static_cast<std::size_t>(strainIndex), error);
-    const auto files
-        = map ? writeProcessingMapFiles(*map, 0, *model, contourStep, environment.exchangeFolder, error) : std::nullopt;
-    if (!files)
+    if (!map)
         return fail(fileMessage(materialPath, error));
-    std::string written = files->data.string() + "\n" + files->script.string() + "\n";
+    // Trouble with the exchange folder is told about the folder, not the material.
+    const std::filesystem::path& folder = environment.exchangeFolder;
+    if (!ensureFolder(folder, error))
+        return fail(error);
+    // The map's files and the picture are put in place together once all are
+    // written, so a drawing that fails leaves every file as it was.
+    PendingOutputs outputs;
+    const std::filesystem::path data = folder / "processing_map.dat";
+    const std::filesystem::path script = folder / "processing_map.txt";
+    if (!outputs.stage(data, processingMapData(*map, 0).bytes(), error))
+        return fail(fileMessage(data.string(), error));
+    if (!outputs.stage(script, processingMapScript(*model, contourStep, data.string()).bytes(), error))
+        return fail(fileMessage(script.string(), error));
+    std::string written = data.string() + "\n" + script.string() + "\n";
     if (png) {
-        const PngRequest picture{{}, *png, kMapPictureWidth, kMapPictureHeight};
-        if (renderProcessingMapPng(*map, 0, *model, contourStep, picture, environment, {}, error) != RenderEnd::Drawn)
+        const std::optional<std::filesystem::path> drawing = outputs.reserve(*png, error);
+        const PngRequest picture{{}, drawing.value_or(std::filesystem::path()), kMapPictureWidth, kMapPictureHeight};
+        if (!drawing
+            || renderProcessingMapPng(*map, 0, *model, contourStep, picture, environment, {}, error) != RenderEnd::Drawn)
             return fail(fileMessage(*png, error));
         written += *png + "\n";
     }
+    if (const int status = commitOutputs(outputs); status != 0)
+        return status;
     return printResult(written);
 }
 
@@ -203,7 +226,7 @@ std::span<const Command> hotCommands()
             "replaces the material's flow-stress model; --export also writes the library\n"
             "entry with the fitted law (Zener-Hollomon, 50, has no library block).\n",
             {{kOutput, "--curves", "--type", "--strains", "--strain-measure", "--strain-offset", "--max-iter",
-                 "--export"},
+                 kExport},
                 {kOutput, "--curves", "--type"}, {"MATERIAL.zmat"}, 1},
             runFitHot},
         {"processing-map", "write the processing map's data and gnuplot script, optionally its picture",

@@ -7,6 +7,7 @@
 
 #include "cli/commands.h"
 #include "cli/messages.h"
+#include "base/temporaryfiles.h"
 #include "base/textfile.h"
 
 namespace {
@@ -53,6 +54,8 @@ int run(const std::vector<std::string>& args)
 
 int main(int argc, char** argv)
 {
+    // A save stopped by Ctrl+C or SIGTERM leaves no temporary file behind.
+    zelko::removeTemporaryFilesOnSignals();
     try {
         return run(std::vector<std::string>(argv + 1, argv + argc));
     } catch (const std::bad_alloc&) {

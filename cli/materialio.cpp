@@ -26,21 +26,40 @@ bool openMaterial(const std::string& path, MaterialDocument& document, std::stri
     return false;
 }
 
-bool saveMaterial(const std::string& path, const MaterialDocument& document, std::string& error)
+bool saveMaterial(PendingOutputs& outputs, const std::string& path, const MaterialDocument& document, std::string& error)
 {
     std::string reason;
-    if (document.save(path, reason))
+    if (document.save(outputs, path, reason))
         return true;
     error = fileMessage(path, reason);
     return false;
 }
 
-bool exportMaterial(const std::string& path, const MaterialDocument& document, bool& wroteModelBlock, std::string& error)
+bool exportMaterial(PendingOutputs& outputs, const std::string& path, const MaterialDocument& document,
+                    bool& wroteModelBlock, std::string& error)
 {
     std::string reason;
-    if (document.exportLibrary(path, wroteModelBlock, reason))
+    if (document.exportLibrary(outputs, path, wroteModelBlock, reason))
         return true;
     error = fileMessage(path, reason);
+    return false;
+}
+
+int commitOutputs(PendingOutputs& outputs)
+{
+    std::string reason;
+    std::filesystem::path failed;
+    if (outputs.commit(reason, &failed))
+        return 0;
+    return fail(fileMessage(failed.string(), reason));
+}
+
+bool distinctOutputs(std::string_view option, const std::string& path, std::string_view otherOption,
+                     const std::string* other, std::string& error)
+{
+    if (!other || !sameFile(path, *other))
+        return true;
+    error = fileMessage(*other, "'" + std::string(option) + "' and '" + std::string(otherOption) + "' name the same file");
     return false;
 }
 

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "base/fileio.h"
 #include "material/document.h"
@@ -21,10 +22,17 @@ std::optional<std::string> readInput(
 // Opens a .zmat into the document as the Open command does; what the file lacked
 // (it ends early) is printed as a warning.
 [[nodiscard]] bool openMaterial(const std::string& path, MaterialDocument& document, std::string& error);
-[[nodiscard]] bool saveMaterial(const std::string& path, const MaterialDocument& document, std::string& error);
+// The outputs of a command are staged as it goes and put in place together at its
+// end, so a command that fails leaves every output file as it was.
+[[nodiscard]] bool saveMaterial(
+    PendingOutputs& outputs, const std::string& path, const MaterialDocument& document, std::string& error);
 // The library entry; wroteModelBlock tells whether the model had a block of its own.
-[[nodiscard]] bool exportMaterial(
-    const std::string& path, const MaterialDocument& document, bool& wroteModelBlock, std::string& error);
-
+[[nodiscard]] bool exportMaterial(PendingOutputs& outputs, const std::string& path, const MaterialDocument& document,
+                                  bool& wroteModelBlock, std::string& error);
+// Puts the staged outputs in place; the exit status, 1 with an error line naming the file.
+int commitOutputs(PendingOutputs& outputs);
+// Two output options must not name one file, however it is spelt.
+[[nodiscard]] bool distinctOutputs(std::string_view option, const std::string& path, std::string_view otherOption,
+                                   const std::string* other, std::string& error);
 
 }  // namespace zelko::cli

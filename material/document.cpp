@@ -75,7 +75,8 @@ bool MaterialDocument::open(const std::filesystem::path& path, std::string& erro
 
 bool MaterialDocument::save(const std::filesystem::path& path, std::string& error) const
 {
-    if (!saveFileAtomically(path, materialFileBytes(material_), error))
+    PendingOutputs outputs;
+    if (!save(outputs, path, error) || !outputs.commit(error))
         return false;
     modified_ = false;
     return true;
@@ -83,13 +84,29 @@ bool MaterialDocument::save(const std::filesystem::path& path, std::string& erro
 
 bool MaterialDocument::exportLibrary(const std::filesystem::path& path, bool& wroteModelBlock, std::string& error) const
 {
+    PendingOutputs outputs;
+    bool withBlock = false;
+    if (!exportLibrary(outputs, path, withBlock, error) || !outputs.commit(error))
+        return false;
+    wroteModelBlock = withBlock;
+    return true;
+}
+
+bool MaterialDocument::save(PendingOutputs& outputs, const std::filesystem::path& path, std::string& error) const
+{
+    return outputs.stage(path, materialFileBytes(material_), error);
+}
+
+bool MaterialDocument::exportLibrary(PendingOutputs& outputs, const std::filesystem::path& path, bool& wroteModelBlock,
+                                     std::string& error) const
+{
     const std::shared_ptr<Plastic> model = material_.libraryModel();
     if (!model) {
         error = messageText(MessageCode::NoFlowStressModel);
         return false;
     }
     const LibraryEntry entry = libraryEntryBytes(material_);
-    if (!saveFileAtomically(path, entry.bytes, error))
+    if (!outputs.stage(path, entry.bytes, error))
         return false;
     wroteModelBlock = entry.hasModelBlock;
     return true;

@@ -13,6 +13,8 @@
 
 namespace zelko {
 
+class PendingOutputs;
+
 class MaterialDocument {
 public:
     explicit MaterialDocument(Environment environment = Environment::fromProcess());
@@ -34,6 +36,11 @@ public:
     // Writes the .z3dlib entry. Refused without a flow-stress model; a model with
     // no block of its own gives an entry without one (wroteModelBlock false).
     [[nodiscard]] bool exportLibrary(const std::filesystem::path& path, bool& wroteModelBlock, std::string& error) const;
+    // The same two, staged among outputs that are put in place together: nothing
+    // is replaced (and modified() stays) until the caller commits them.
+    [[nodiscard]] bool save(PendingOutputs& outputs, const std::filesystem::path& path, std::string& error) const;
+    [[nodiscard]] bool exportLibrary(PendingOutputs& outputs, const std::filesystem::path& path, bool& wroteModelBlock,
+                                     std::string& error) const;
 
     // A copy to edit; hand it back with commit.
     Project copy() const { return material_; }

@@ -7,25 +7,19 @@
 
 #if !defined(_WIN32)
 #include <csignal>
+#include <fstream>
 #include <sys/resource.h>
+#include <unistd.h>
 #endif
 
 #include "base/fileio.h"
+#include "foldernames.h"
 #include "testutil.h"
 
 namespace zelko {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::vector<std::string> fileNames(const fs::path& folder)
-{
-    std::vector<std::string> names;
-    for (const fs::directory_entry& entry : fs::directory_iterator(folder))
-        names.push_back(entry.path().filename().string());
-    std::sort(names.begin(), names.end());
-    return names;
-}
 
 TEST(FileIo, FailedSaveKeepsThePreviousFile)
 {
@@ -44,7 +38,7 @@ TEST(FileIo, FailedSaveKeepsThePreviousFile)
     std::filesystem::create_directories(folder / "taken");
     EXPECT_FALSE(saveFileAtomically(folder / "taken", "x", error));
     EXPECT_TRUE(std::filesystem::is_directory(folder / "taken"));
-    EXPECT_EQ(fileNames(folder), (std::vector<std::string>{"m.zmat", "taken"}));
+    EXPECT_EQ(test::namesIn(folder), (std::vector<std::string>{"m.zmat", "taken"}));
     EXPECT_FALSE(readFileBytes(folder / "nothing", error).has_value());
     EXPECT_FALSE(readFileBytes(path, error, 3).has_value());  // over the size limit
     std::filesystem::remove_all(folder);
@@ -99,14 +93,65 @@ TEST(FileIo, ASaveThatFailsHalfwayLeavesThePreviousFileAndNoTemporary)
     const auto kept = readFileBytes(path, error);
     ASSERT_TRUE(kept.has_value()) << error;
     EXPECT_TRUE(test::sameBytes(*kept, previous));
-    EXPECT_EQ(fileNames(folder), std::vector<std::string>{"m.zmat"});
+    EXPECT_EQ(test::namesIn(folder), std::vector<std::string>{"m.zmat"});
 
     // With room again the same save goes through whole.
     ASSERT_TRUE(saveFileAtomically(path, larger, error)) << error;
     EXPECT_TRUE(test::sameBytes(*readFileBytes(path, error), larger));
-    EXPECT_EQ(fileNames(folder), std::vector<std::string>{"m.zmat"});
+    EXPECT_EQ(test::namesIn(folder), std::vector<std::string>{"m.zmat"});
     fs::remove_all(folder);
 }
+
+// The reader may only use memory for what it keeps: this much beyond what the
+// process already has, far below the file's size.
+constexpr rlim_t kReadHeadroomBytes = 96u * 1024u * 1024u;
+
+rlim_t addressSpaceInUse()
+{
+    std::ifstream statm("/proc/self/statm");
+    rlim_t pages = 0;
+    statm >> pages;
+    return pages * static_cast<rlim_t>(sysconf(_SC_PAGESIZE));
+}
+
+void readUnderAMemoryLimit(const fs::path& path)
+{
+    rlimit limit{};
+    getrlimit(RLIMIT_AS, &limit);
+    limit.rlim_cur = std::min(addressSpaceInUse() + kReadHeadroomBytes, limit.rlim_max);
+    if (setrlimit(RLIMIT_AS, &limit) != 0)
+        std::_Exit(2);
+    std::string error;
+    const auto bytes = readFileBytes(path, error);
+    std::_Exit(!bytes && error == "file too large" ? 0 : 1);
+}
+
+TEST(FileIo, AFileOverTheLimitIsRefusedBeforeItIsRead)
+{
+    // A 300 MB file picked by mistake; sparse, so it costs no disk.
+    const fs::path folder = fs::temp_directory_path() / ("zelko-fileio-large-" + std::to_string(::getpid()));
+    fs::remove_all(folder);
+    fs::create_directories(folder);
+    const fs::path path = folder / "huge.zmat";
+    std::ofstream(path).put('x');
+    fs::resize_file(path, 300u * 1024u * 1024u);
+    EXPECT_EXIT(readUnderAMemoryLimit(path), ::testing::ExitedWithCode(0), "");
+    fs::remove_all(folder);
+}
+
+#if defined(__linux__)
+TEST(FileIo, TheLimitHoldsForFilesThatReportNoSize)
+{
+    // /proc files say they are empty and are not.
+    std::string error;
+    ASSERT_EQ(fs::file_size("/proc/self/status"), 0u);
+    EXPECT_FALSE(readFileBytes("/proc/self/status", error, 100).has_value());
+    EXPECT_EQ(error, "file too large");
+    const auto whole = readFileBytes("/proc/self/status", error);
+    ASSERT_TRUE(whole.has_value()) << error;
+    EXPECT_GT(whole->size(), 100u);
+}
+#endif
 #endif
 
 }  // namespace

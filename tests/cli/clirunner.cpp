@@ -101,12 +101,18 @@ std::vector<std::string> ScratchFolder::filesBesides(const std::vector<std::stri
 
 CliResult runCli(const std::vector<std::string>& args)
 {
+    return runCli(args, {});
+}
+
+CliResult runCli(const std::vector<std::string>& args, const fs::path& standardOutput)
+{
     // Captured outside the test's folder, which must hold only what the tool wrote.
     const fs::path capture = uniqueTempPath("capture");
     std::string command = shellQuoted(ZELKO_CLI_PATH);
     for (const std::string& arg : args)
         command += " " + shellQuoted(arg);
-    command += " >" + shellQuoted(capture.string() + ".out") + " 2>" + shellQuoted(capture.string() + ".err");
+    const std::string out = standardOutput.empty() ? capture.string() + ".out" : standardOutput.string();
+    command += " >" + shellQuoted(out) + " 2>" + shellQuoted(capture.string() + ".err");
     CliResult result;
     result.status = exitStatus(std::system(command.c_str()));
     result.out = readBytes(capture.string() + ".out");

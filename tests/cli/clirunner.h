@@ -33,6 +33,8 @@ private:
 };
 
 CliResult runCli(const std::vector<std::string>& args);
+// With standard output sent to the file given (e.g. /dev/full, a disk that is full); out stays empty.
+CliResult runCli(const std::vector<std::string>& args, const fs::path& standardOutput);
 fs::path dataFile(std::string_view relative);  // under tests/data/cli
 std::string readBytes(const fs::path& path);
 void writeBytes(const fs::path& path, std::string_view bytes);
