@@ -17,6 +17,7 @@
 
 #include "base/fileio.h"
 #include "material/physprops.h"
+#include "ui/listctrlext.h"
 #include "ui/screentext.h"
 
 using namespace zelko;
@@ -43,6 +44,8 @@ CHeatDlg::CHeatDlg(PropertyTable conductivity, PropertyTable heatCapacity, QWidg
     auto* aluminum = new QPushButton(QStringLiteral("Aluminum"), this);
     auto* open = new QPushButton(QStringLiteral("Open data file"), this);
     open->setObjectName(QStringLiteral("openDataFile"));
+    steel->setObjectName(QStringLiteral("steel"));
+    aluminum->setObjectName(QStringLiteral("aluminum"));
     connect(steel, &QPushButton::clicked, this, [this] {
         applyThermalPreset(MaterialPreset::Steel, tables_[0], tables_[1]);
         redrawAll();
@@ -73,7 +76,12 @@ QWidget* CHeatDlg::makeSide(int which, const QString& title, const QString& valu
 {
     auto* group = new QGroupBox(title, this);
     Side& side = sides_[which];
-    side.list = new QTableWidget(0, 2, group);
+    auto* grid = new zelko::ui::CListCtrlExt(group);
+    grid->setColumnCount(2);
+    grid->setRealOnly(true);
+    grid->setNegativesAllowed(true);
+    grid->setTooltipsEnabled(true);
+    side.list = grid;
     side.list->setObjectName(which == 0 ? QStringLiteral("conductivityList") : QStringLiteral("heatCapacityList"));
     side.list->setHorizontalHeaderLabels({QStringLiteral("Temperature"), valueTitle});
     side.list->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
@@ -83,12 +91,14 @@ QWidget* CHeatDlg::makeSide(int which, const QString& title, const QString& valu
     side.list->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 8);
     side.list->setSelectionBehavior(QAbstractItemView::SelectRows);
     side.list->setSelectionMode(QAbstractItemView::SingleSelection);
-    side.list->setEditTriggers(QAbstractItemView::NoEditTriggers);
     side.list->setMinimumSize(380, 10 * (fontMetrics().height() + 8));
     side.temperature = new QLineEdit(group);
     side.value = new QLineEdit(group);
     side.temperature->setObjectName(QStringLiteral("temperature%1").arg(which));
     side.value->setObjectName(QStringLiteral("value%1").arg(which));
+    // Cells typed over, rows pasted from a spreadsheet or a dropped CSV go through
+    // the same rule as Add: one point a temperature, sorted.
+    connect(grid, &zelko::ui::CListCtrlExt::contentEdited, this, [this, which] { takeGrid(which); });
     // A row picked in the list is copied into the fields, to be changed and modified.
     connect(side.list, &QTableWidget::itemSelectionChanged, this, [this, which] {
         const int row = sides_[which].list->currentRow();
@@ -142,6 +152,22 @@ void CHeatDlg::edit(int which, int command)
         QMessageBox::warning(this, windowTitle(), zelko::ui::fromUtf8(result.message));
     if (result.changed)
         redraw(which, "%.8f");
+}
+
+void CHeatDlg::takeGrid(int which)
+{
+    QTableWidget* list = sides_[which].list;
+    PropertyTable table;
+    for (int row = 0; row < list->rowCount(); ++row) {
+        const QTableWidgetItem* temperature = list->item(row, 0);
+        const QTableWidgetItem* value = list->item(row, 1);
+        const auto t = temperature ? zelko::ui::fieldNumber(temperature->text()) : std::nullopt;
+        const auto v = value ? zelko::ui::fieldNumber(value->text()) : std::nullopt;
+        if (t && v)
+            addThermalPoint(table, {*t, *v});
+    }
+    tables_[which] = std::move(table);
+    redraw(which, "%.8f");
 }
 
 void CHeatDlg::redraw(int which, const char* format)

@@ -33,6 +33,7 @@ private:
     };
     QWidget* makeSide(int which, const QString& title, const QString& valueTitle);
     void edit(int which, int command);
+    void takeGrid(int which);
     void redraw(int which, const char* format);
     void redrawAll() { redraw(0, "%.7f"), redraw(1, "%.7f"); }
     void chooseDataFile();

@@ -9,10 +9,9 @@
 #include <QTimer>
 
 #include "base/gridtext.h"
+#include "ui/inplaceedit.h"
 
 namespace zelko::ui {
-
-class CInPlaceEdit;
 
 class CListCtrlExt : public QTableWidget {
     Q_OBJECT

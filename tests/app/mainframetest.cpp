@@ -17,6 +17,7 @@
 #include "ui/chemicalcompositiondlg.h"
 #include "ui/elasticdlg.h"
 #include "ui/heatdlg.h"
+#include "ui/listctrlext.h"
 #include "ui/listdatadlg.h"
 
 using namespace zelko;
@@ -201,6 +202,18 @@ private slots:
         QVERIFY(!screen.importDataFile(bad));
         QVERIFY(message.contains(QStringLiteral("Line 2")));
         QCOMPARE(screen.conductivity(), (PropertyTable{{500.0, 0.04}}));
+    }
+
+    void pastedRowsFollowTheRuleOfAdd()
+    {
+        CHeatDlg screen({}, {{20.0, 0.005}}, nullptr);
+        auto* grid = screen.findChild<zelko::ui::CListCtrlExt*>(QStringLiteral("conductivityList"));
+        QVERIFY(grid);
+        // As a spreadsheet copies it: a header, a repeated temperature, out of order.
+        QVERIFY(grid->pasteText(QStringLiteral("T\tk\n100\t0.03\n20\t0.02\n100\t0.5\n")));
+        QCOMPARE(screen.conductivity(), (PropertyTable{{20.0, 0.02}, {100.0, 0.03}}));
+        QCOMPARE(grid->rowCount(), 2);
+        QCOMPARE(screen.heatCapacity(), (PropertyTable{{20.0, 0.005}}));
     }
 
     void compositionEstimateBecomesTheModulusTable()

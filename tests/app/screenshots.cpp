@@ -1,5 +1,5 @@
 // Pictures of the main form and its screens for the manual: run as
-// app_screenshots FOLDER [MATERIAL.zmat]; each window is grabbed to a PNG.
+// app_screenshots FOLDER [MATERIAL.zmat [LANGID]]; each window is grabbed to a PNG.
 
 #include <QApplication>
 #include <QDir>
@@ -13,6 +13,7 @@
 #include "ui/elasticdlg.h"
 #include "ui/heatdlg.h"
 #include "ui/listdatadlg.h"
+#include "ui/uisettings.h"
 
 namespace {
 
@@ -34,8 +35,13 @@ int main(int argc, char* argv[])
     const QString folder = QString::fromLocal8Bit(argv[1]);
     QDir().mkpath(folder);
     CMainFrame frame;
+    if (argc > 3) {
+        // As the Options command switches: the form and the screens opened after it.
+        zelko::ui::setCurrentLanguageId(QString::fromLocal8Bit(argv[3]).toInt());
+        frame.view()->translateWindow(&frame, QStringLiteral("Main"));
+    }
     save(frame, folder, QStringLiteral("main-closed"));
-    if (argc > 2)
+    if (argc > 2 && argv[2][0] != '\0')
         frame.view()->openFile(QString::fromLocal8Bit(argv[2]));
     else
         frame.view()->newMaterial();
@@ -46,9 +52,7 @@ int main(int argc, char* argv[])
     CElasticDlg elastic(*material.elastic, composition);
     save(elastic, folder, QStringLiteral("elastic"));
     CHeatDlg heat(material.conductivity->points, material.heatCapacity->points);
-    for (QPushButton* button : heat.findChildren<QPushButton*>())
-        if (button->text() == QStringLiteral("Steel"))
-            button->click();
+    heat.findChild<QPushButton*>(QStringLiteral("steel"))->click();
     save(heat, folder, QStringLiteral("thermal"));
     CDlgChemicalComposition chemistry(composition);
     save(chemistry, folder, QStringLiteral("composition"));
