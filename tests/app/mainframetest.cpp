@@ -269,6 +269,30 @@ private slots:
         QVERIFY(!view->materialOpen());
     }
 
+    void oddTitlesAndFilesOfAnotherKind()
+    {
+        CMainFrame frame;
+        CMATView* view = frame.view();
+        QString message;
+        answerMessage(&message);
+        QVERIFY(!frame.openFromOutside(folder_.filePath(QStringLiteral("notes.txt"))));
+        QVERIFY(message.contains(QStringLiteral("neither a material")));
+        QVERIFY(!view->materialOpen());
+
+        // A pasted novel: the file keeps the first 255 characters; "%s" and "%n" stay as typed.
+        view->newMaterial();
+        auto* title = static_cast<QLineEdit*>(control(view, 1006));
+        title->setText(QStringLiteral("%s%n") + QString(10000, QLatin1Char('x')));
+        emit title->textEdited(title->text());
+        const QString saved = folder_.filePath(QStringLiteral("long.zmat"));
+        QVERIFY(view->saveFile(saved));
+        MaterialDocument reopened;
+        std::string error;
+        QVERIFY(reopened.open(std::filesystem::path(saved.toStdU16String()), error));
+        // 255 characters fill the reader's line, so the line end is not part of the title read.
+        QCOMPARE(reopened.material().title, u"%s%n" + std::u16string(251, u'x'));
+    }
+
     void plasticNeedsAModelOfItsKind()
     {
         CMainFrame frame;
