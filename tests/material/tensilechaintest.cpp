@@ -113,5 +113,23 @@ TEST(TensileChain, RefusesAHotMaterialAndAJobWithoutResult)
     EXPECT_EQ(result.status, TensileResultStatus::NoResultFile);
 }
 
+TEST(TensileChain, AJobResultWithoutAUsableCurveGivesNoMaterial)
+{
+    const test::TemporaryFolder folder;
+    const Project material = coldMaterial();
+    const EnteredTest entered = enterTensileTest(material, steel1045());
+    ASSERT_TRUE(entered.record);
+    std::string error;
+    ASSERT_TRUE(saveFileAtomically(folder.path() / "run1.z2dsrf", "result", error));
+    // The solver finished but its last stage printed nan for the stress.
+    ASSERT_TRUE(saveFileAtomically(folder.path() / "run1.tnsspf",
+                                   " NCSTG IS GREATER THAN NSTG\n a\n b\n c\n p = 1 0.5\n 0\n 2\n 1 0.1 500\n"
+                                   " 2 0.2 nan\n FINISHED_MAT\n",
+                                   error));
+    const TensileResult result = readTensileJobResult(material, *entered.record, folder.path() / "run1.tnsprj");
+    EXPECT_FALSE(result.material);
+    EXPECT_EQ(result.status, TensileResultStatus::NoUsableCurve);
+}
+
 }  // namespace
 }  // namespace zelko
