@@ -75,6 +75,9 @@ constexpr MessageEntry kMessages[] = {
     {MessageCode::ModulusNotPositive,
         "the estimate at %g C is %g MPa, no modulus: the %s content %g wt%% lies beyond what the method covers"},
     {MessageCode::MaterialFileEndsEarly, "the file ends early; part of the material may be missing"},
+    {MessageCode::MaterialTooLargeToRead,
+        "the material would be too large to read back (%.0f MB, more than the %.0f MB a material file may hold); "
+        "nothing was saved"},
 };
 
 constexpr bool inCodeOrder()

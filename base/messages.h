@@ -61,6 +61,7 @@ enum class MessageCode {
     CompositionOverWhole,
     ModulusNotPositive,
     MaterialFileEndsEarly,
+    MaterialTooLargeToRead,
 };
 
 std::string_view messageText(MessageCode code);

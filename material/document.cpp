@@ -59,7 +59,7 @@ MaterialDocument::MaterialDocument(Environment environment) : environment_(std::
 
 bool MaterialDocument::open(const std::filesystem::path& path, std::string& error)
 {
-    const auto bytes = readFileBytes(path, error);
+    const auto bytes = readFileBytes(path, error, kMaxMaterialFileBytes);
     if (!bytes)
         return false;
     if (!readMaterialBytes(*bytes, material_, version_, &warnings_)) {
@@ -74,7 +74,14 @@ bool MaterialDocument::open(const std::filesystem::path& path, std::string& erro
 
 bool MaterialDocument::save(const std::filesystem::path& path, std::string& error) const
 {
-    if (!saveFileAtomically(path, materialFileBytes(material_), error))
+    const std::string bytes = materialFileBytes(material_);
+    if (bytes.size() > kMaxMaterialFileBytes) {
+        constexpr double kMegabyte = 1024.0 * 1024.0;
+        error = formatMessage(MessageCode::MaterialTooLargeToRead, static_cast<double>(bytes.size()) / kMegabyte,
+                              static_cast<double>(kMaxMaterialFileBytes) / kMegabyte);
+        return false;
+    }
+    if (!saveFileAtomically(path, bytes, error))
         return false;
     modified_ = false;
     return true;
