@@ -17,7 +17,7 @@ std::string materialFileBytes(const Project& material)
 {
     TextWriter out(TextEncoding::Utf16Le);
     material.WriteMaterialFile(out);
-    return out.bytes();
+    return std::move(out).bytes();
 }
 
 bool readMaterialBytes(std::string_view bytes, Project& material, FileVersion& version,
