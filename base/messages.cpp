@@ -29,9 +29,13 @@ constexpr MessageEntry kMessages[] = {
     {MessageCode::IncorrectForceUnit, "Incorrect force unit was selected"},
     {MessageCode::UnknownInputCurve, "Unknown kind of input curve."},
     {MessageCode::SpecimenNotPositive, "The diameter and the gauge length must be greater than 0."},
+    {MessageCode::SpecimenAreaZero, "the specimen's cross-section at a diameter of %g mm is zero (or beyond any number): the curve gives no stresses"},
+    {MessageCode::SpecimenGivesNoCurve, "the specimen size (diameter %g mm, gauge length %g mm) gives no usable curve: a strain or stress is not a finite number"},
     {MessageCode::CurveNotANumber, "The curve holds a value that is not a number."},
     {MessageCode::NoAnalysisResultFile, "There is no analysis result file."},
     {MessageCode::AnalysisNotCompleted, "Analysis has not been completed."},
+    {MessageCode::AnalysisCurveNotUsable,
+        "The analysis result holds no usable flow curve (no points, or a value that is not a number)."},
     {MessageCode::CurveLineNotTwoOrThreeNumbers, "line %zu: expected two or three numbers"},
     {MessageCode::CurveLineNotFinite, "line %zu: a value is not a finite number"},
     {MessageCode::CurveTooShort, "the curve has fewer than two points"},
@@ -71,6 +75,9 @@ constexpr MessageEntry kMessages[] = {
     {MessageCode::ModulusNotPositive,
         "the estimate at %g C is %g MPa, no modulus: the %s content %g wt%% lies beyond what the method covers"},
     {MessageCode::MaterialFileEndsEarly, "the file ends early; part of the material may be missing"},
+    {MessageCode::MaterialTooLargeToRead,
+        "the material would be too large to read back (%.0f MB, more than the %.0f MB a material file may hold); "
+        "nothing was saved"},
 };
 
 constexpr bool inCodeOrder()

@@ -22,9 +22,12 @@ enum class MessageCode {
     IncorrectForceUnit,
     UnknownInputCurve,
     SpecimenNotPositive,
+    SpecimenAreaZero,
+    SpecimenGivesNoCurve,
     CurveNotANumber,
     NoAnalysisResultFile,
     AnalysisNotCompleted,
+    AnalysisCurveNotUsable,
     CurveLineNotTwoOrThreeNumbers,
     CurveLineNotFinite,
     CurveTooShort,
@@ -58,6 +61,7 @@ enum class MessageCode {
     CompositionOverWhole,
     ModulusNotPositive,
     MaterialFileEndsEarly,
+    MaterialTooLargeToRead,
 };
 
 std::string_view messageText(MessageCode code);

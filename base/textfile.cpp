@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstdarg>
+#include <type_traits>
+#include <utility>
 
 namespace zelko {
 
@@ -63,12 +65,85 @@ std::u16string joinCrLf(std::u16string text)
 
 }  // namespace
 
+namespace {
+
+// Units as UTF-16LE with "\n" as "\r\n", appended to out.
+template <class Unit>
+void appendUtf16Le(std::string& out, std::basic_string_view<Unit> text)
+{
+    const std::size_t at = out.size();
+    out.resize(at + text.size() * 4);  // every unit a line end at the most
+    char* o = out.data() + at;
+    for (const Unit unit : text) {
+        const auto c = static_cast<char16_t>(static_cast<std::make_unsigned_t<Unit>>(unit));
+        if (c == u'\n') {
+            *o++ = '\r';
+            *o++ = '\0';
+        }
+        *o++ = static_cast<char>(c & 0xFF);
+        *o++ = static_cast<char>(c >> 8);
+    }
+    out.resize(static_cast<std::size_t>(o - out.data()));
+}
+
+}  // namespace
+
+TextWriter::TextWriter(TextEncoding encoding) : encoding_(encoding)
+{
+    if (encoding_ == TextEncoding::Utf16Le)
+        encoded_ = "\xFF\xFE";
+}
+
+void TextWriter::put(std::u16string_view text)
+{
+    if (encoding_ == TextEncoding::Utf16Le)
+        appendUtf16Le(encoded_, text);
+    else
+        text_.append(text);
+}
+
 void TextWriter::put(std::string_view text)
 {
+    if (encoding_ == TextEncoding::Utf16Le) {
+        appendUtf16Le(encoded_, text);
+        return;
+    }
     const std::size_t at = text_.size();
     text_.resize(at + text.size());
     std::transform(text.begin(), text.end(), text_.begin() + static_cast<std::ptrdiff_t>(at),
                    [](char c) { return static_cast<char16_t>(static_cast<unsigned char>(c)); });
+}
+
+void TextWriter::reserve(std::size_t more)
+{
+    if (encoding_ == TextEncoding::Utf16Le)
+        encoded_.reserve(encoded_.size() + 2 * more);
+    else
+        text_.reserve(text_.size() + more);
+}
+
+std::u16string TextWriter::text() const
+{
+    if (encoding_ != TextEncoding::Utf16Le)
+        return text_;
+    // Every "\n" was written after a "\r" of its own: that one is dropped.
+    std::u16string text;
+    text.reserve((encoded_.size() - 2) / 2);
+    for (std::size_t i = 2; i + 1 < encoded_.size(); i += 2) {
+        const auto c = static_cast<char16_t>(static_cast<unsigned char>(encoded_[i])
+                                             | (static_cast<unsigned char>(encoded_[i + 1]) << 8));
+        if (c == u'\n')
+            text.pop_back();
+        text.push_back(c);
+    }
+    return text;
+}
+
+std::string TextWriter::bytes() &&
+{
+    if (encoding_ == TextEncoding::Utf16Le)
+        return std::move(encoded_);
+    return std::as_const(*this).bytes();
 }
 
 void TextWriter::format(const char* fmt, ...)
@@ -88,27 +163,12 @@ void TextWriter::format(const char* fmt, ...)
     va_end(args);
 }
 
-std::string TextWriter::bytes() const
+std::string TextWriter::bytes() const&
 {
     std::string out;
     switch (encoding_) {
     case TextEncoding::Utf16Le:
-    {
-        const auto lineEnds = static_cast<std::size_t>(std::count(text_.begin(), text_.end(), u'\n'));
-        out.resize(2 + (text_.size() + lineEnds) * 2);
-        char* o = out.data();
-        *o++ = '\xFF';
-        *o++ = '\xFE';
-        for (const char16_t c : text_) {
-            if (c == u'\n') {
-                *o++ = '\r';
-                *o++ = '\0';
-            }
-            *o++ = static_cast<char>(c & 0xFF);
-            *o++ = static_cast<char>(c >> 8);
-        }
-        break;
-    }
+        return encoded_;
     case TextEncoding::EightBit:
         out.reserve(text_.size() + text_.size() / 8);
         for (const char16_t c : text_) {

@@ -1,6 +1,6 @@
 #pragma once
 // The one text layer through which every file of the program is written and read.
-// Writers collect UTF-16 text with "\n" line ends and encode it as the file kind
+// Writers take UTF-16 text with "\n" line ends and encode it as the file kind
 // demands; readers decode a whole file and offer the C runtime's line, token and
 // scan reads over it, with the same limits and end-of-file rules.
 
@@ -34,24 +34,31 @@ enum class ReadMode {
 
 class TextWriter {
 public:
-    explicit TextWriter(TextEncoding encoding = TextEncoding::Utf16Le) : encoding_(encoding) {}
+    explicit TextWriter(TextEncoding encoding = TextEncoding::Utf16Le);
 
-    void put(std::u16string_view text) { text_.append(text); }
+    void put(std::u16string_view text);
     // Narrow text is taken byte for byte (the formats are ASCII).
     void put(std::string_view text);
     // printf onto narrow text, then appended; never pass user text as fmt.
     void format(const char* fmt, ...) ZELKO_PRINTF_FORMAT(2, 3);
-    // Room for this many characters more, for writers that know their size.
-    void reserve(std::size_t more) { text_.reserve(text_.size() + more); }
+    // Room for this many characters more (line ends counted twice), for writers
+    // that know their size.
+    void reserve(std::size_t more);
 
-    const std::u16string& text() const { return text_; }
+    // The text written so far, "\n" line ends.
+    std::u16string text() const;
     TextEncoding encoding() const { return encoding_; }
     // The file's bytes: byte-order mark, "\n" as "\r\n", encoded.
-    std::string bytes() const;
+    std::string bytes() const&;
+    // The same, taken out of a writer that is done.
+    std::string bytes() &&;
 
 private:
     TextEncoding encoding_;
-    std::u16string text_;
+    // UTF-16LE files (the material file, which can be hundreds of megabytes) are
+    // encoded as they are written, so their text is never held twice.
+    std::string encoded_;
+    std::u16string text_;  // the other encodings
 };
 
 // printf into a std::string (for formats that are part of a layout or a message).

@@ -1,9 +1,13 @@
 // The hot fits and the processing map: Hensel-Spittel on 6 temperatures x 4 rates
 // x 15 strains with 10,000 iterations, the map on 30 x 9 x 15, and the other types
-// on the measured Gleeble series.
+// on the measured Gleeble series; the reading of a long CSV of many rates.
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
+#include <random>
+
 #include "bench/hotcurves.h"
+#include "hot/hotcsv.h"
 #include "hot/hotmodels.h"
 #include "hot/processingmap.h"
 
@@ -79,5 +83,29 @@ void BM_ProcessingMapDataFile(benchmark::State& state)
     state.SetLabel("30 x 9, one strain, with the data file");
 }
 BENCHMARK(BM_ProcessingMapDataFile)->Unit(benchmark::kMillisecond);
+
+// A rate sweep read from its CSV: two temperatures, five strains a curve, the
+// lines shuffled, as a logger exporting many short tests writes them.
+void BM_ReadManyRatesCsv(benchmark::State& state)
+{
+    const auto rates = static_cast<int>(state.range(0));
+    std::vector<std::string> lines;
+    for (int t = 0; t < 2; ++t)
+        for (int r = 0; r < rates; ++r)
+            for (int k = 1; k <= 5; ++k)
+                lines.push_back(formatText("%d,%g,%g,%g\n", 1000 + 100 * t, 0.001 * std::pow(1.0005, r), 0.05 * k,
+                                           200.0 + r * 0.01 + k));
+    std::shuffle(lines.begin(), lines.end(), std::mt19937(5));
+    std::string csv = "temperature,strain_rate,strain,stress\n";
+    for (const std::string& line : lines)
+        csv += line;
+    std::string error;
+    for (auto _ : state) {
+        auto dataSet = readHotCurvesCsv(csv, {}, error);
+        benchmark::DoNotOptimize(dataSet->curves.data());
+    }
+    state.SetLabel(std::to_string(rates) + " rates, " + std::to_string(lines.size()) + " lines");
+}
+BENCHMARK(BM_ReadManyRatesCsv)->Arg(1000)->Arg(4000)->Arg(16000)->Unit(benchmark::kMillisecond);
 
 }  // namespace

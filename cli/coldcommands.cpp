@@ -102,7 +102,7 @@ int runFitCold(const ParsedArguments& args)
     if (!curve)
         return fail(fileMessage(curvePath, error));
     test.curve = std::move(*curve);
-    const EnteredTest entered = enterTensileTest(document.material(), test);
+    EnteredTest entered = enterTensileTest(document.material(), std::move(test));
     if (!entered.record)
         return fail(entered.error);
 
@@ -126,7 +126,7 @@ int runFitCold(const ParsedArguments& args)
     settings.weighted = args.flag("--weighted");
     settings.polish = args.flag("--polish");
 
-    TensileFit fit = fitTensileLaw(document.material(), *entered.record, *lawId, settings, document.environment());
+    TensileFit fit = fitTensileLaw(document.material(), std::move(*entered.record), *lawId, settings, document.environment());
     if (!fit.material)
         return fail(fileMessage(curvePath, fit.error));
     PendingOutputs outputs;

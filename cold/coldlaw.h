@@ -44,7 +44,13 @@ enum class Residuals { Plain, Weighted };
 
 class ColdLaw : public RoomOri {
 public:
-    explicit ColdLaw(const RoomOri& record) : RoomOri(record) {}
+    // The law keeps the record's settings and its true curve, the one it is fitted
+    // to; the measured forms stay with the record alone.
+    explicit ColdLaw(const RoomOri& record) : RoomOri(record)
+    {
+        curves[LoadDisplacement] = Curve();
+        curves[EngineeringCurve] = Curve();
+    }
 
     // A copy of the law with its parameters and error (the record's held model).
     std::shared_ptr<ColdLaw> cloneLaw() const { return std::static_pointer_cast<ColdLaw>(clone()); }

@@ -23,6 +23,12 @@ std::string utf8Job(const std::string& text)
     return out.bytes();
 }
 
+bool usableCurve(const PLASTIC_8& model)
+{
+    return !model.identifiedCurve.empty() && std::isfinite(model.curveParameter)
+           && allFinite(model.identifiedCurve, [](const auto& point) { return std::array{point.first, point.second}; });
+}
+
 std::string jobList(const std::string& base)
 {
     return "1\nf\n" + base + ".tnsscf\n" + base + ".tnssif\n" + base + ".z2dsrf\n" + base + ".tnsspf\n3\n";
@@ -224,7 +230,8 @@ TensileResultStatus readTensileResult(const std::filesystem::path& jobFile, PLAS
     // The solver ends its progress file with the finished line.
     if (!progress || progress->find(" FINISHED_MAT") == std::string::npos)
         return TensileResultStatus::NotCompleted;
-    readTensileProgress(*progress, model);
+    if (!readTensileProgress(*progress, model) || !usableCurve(model))
+        return TensileResultStatus::NoUsableCurve;
     return TensileResultStatus::Read;
 }
 
@@ -233,6 +240,7 @@ const char* tensileResultMessage(TensileResultStatus status)
     switch (status) {
     case TensileResultStatus::NoResultFile: return messageText(MessageCode::NoAnalysisResultFile).data();
     case TensileResultStatus::NotCompleted: return messageText(MessageCode::AnalysisNotCompleted).data();
+    case TensileResultStatus::NoUsableCurve: return messageText(MessageCode::AnalysisCurveNotUsable).data();
     case TensileResultStatus::Read: break;
     }
     return "";

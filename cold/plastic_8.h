@@ -71,10 +71,12 @@ bool writeTensileJob(const RoomOri& record, const std::filesystem::path& jobFile
 // left as it was). More than 20 pairs are thinned to 20.
 bool readTensileProgress(std::string_view bytes, PLASTIC_8& model);
 
-enum class TensileResultStatus { Read, NoResultFile, NotCompleted };
+enum class TensileResultStatus { Read, NoResultFile, NotCompleted, NoUsableCurve };
 // Looks for the job's result and progress files and reads the identified curve.
+// A finished job whose curve has no points, or a value that is not a finite
+// number, is NoUsableCurve: such a curve must not reach a library.
 TensileResultStatus readTensileResult(const std::filesystem::path& jobFile, PLASTIC_8& model);
-// "There is no analysis result file." / "Analysis has not been completed."
+// "There is no analysis result file." / "Analysis has not been completed." / ...
 const char* tensileResultMessage(TensileResultStatus status);
 
 // Starts the solver detached in the job's folder with the job list on its input.

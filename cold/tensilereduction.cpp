@@ -80,10 +80,15 @@ std::optional<std::string> deriveCurveForms(RoomOri& record, double& area)
     switch (record.inputKind) {
     case LoadDisplacement: {
         const double circle = record.diameter * record.diameter * std::atan(1.0);  // pi D^2 / 4
+        if (!(circle > 0.0) || !std::isfinite(circle))
+            return formatMessage(MessageCode::SpecimenAreaZero, record.diameter);
         engineering.clear();
         engineering.reserve(entered.size());
         for (const CurvePoint& p : entered)
             engineering.push_back({2.0 * p.x / record.gaugeLength, p.y / circle});
+        // A tiny specimen turns large loads into stresses beyond any number.
+        if (!allFinite(engineering, [](const CurvePoint& p) { return std::array{p.x, p.y}; }))
+            return formatMessage(MessageCode::SpecimenGivesNoCurve, record.diameter, record.gaugeLength);
         return std::nullopt;
     }
     case EngineeringCurve:
@@ -99,9 +104,15 @@ std::optional<std::string> deriveCurveForms(RoomOri& record, double& area)
         }
         break;
     }
-    if (area <= 0.0)
+    if (area <= 0.0) {
         area = specimenArea(record.diameter);
+        // Rounded to four decimals, a specimen under 0.008 mm has no area at all.
+        if (!(area > 0.0) || !std::isfinite(area))
+            return formatMessage(MessageCode::SpecimenAreaZero, record.diameter);
+    }
     loadDisplacement = loadDisplacementFrom(engineering, record.gaugeLength, area);
+    if (!allFinite(loadDisplacement, [](const CurvePoint& p) { return std::array{p.x, p.y}; }))
+        return formatMessage(MessageCode::SpecimenGivesNoCurve, record.diameter, record.gaugeLength);
     return std::nullopt;
 }
 

@@ -85,6 +85,14 @@ RenderEnd renderGnuplotPng(const PngRequest& request, const Environment& environ
                 + (complaint.empty() ? formatText(" (exit status %d)", result.exitCode) : ": " + complaint);
         return RenderEnd::Failed;
     }
+    // A picture beyond what we read whole is refused by its size, not taken for none.
+    std::error_code ec;
+    const std::uintmax_t size = std::filesystem::file_size(picture.path, ec);
+    if (!ec && size > kMaxInputFileBytes) {
+        error = formatText("gnuplot's picture is too large (%.0f MB, more than %.0f MB): ask for a smaller picture",
+                           static_cast<double>(size) / 1048576.0, static_cast<double>(kMaxInputFileBytes) / 1048576.0);
+        return RenderEnd::Failed;
+    }
     std::string reason;
     const auto bytes = readFileBytes(picture.path, reason);
     if (!bytes || bytes->empty()) {

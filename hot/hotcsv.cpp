@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <unordered_map>
 
 #include "base/numbers.h"
 #include "base/textfile.h"
@@ -24,7 +25,7 @@ std::optional<PLASTIC_HOT> readHotCurvesCsv(std::string_view bytes, const HotCsv
     TextReader in(bytes, ReadMode::SniffBom);
     std::u16string line;
     std::vector<Row> rows;
-    GroupItems rates, temperatures;
+    GroupItems temperatures;
     bool headerAllowed = true;
     for (std::size_t number = 1; in.readLine(line, kMaxHotCsvLineUnits); ++number) {
         if (!line.empty() && line.back() != u'\n' && !in.atEnd()) {
@@ -68,13 +69,19 @@ std::optional<PLASTIC_HOT> readHotCurvesCsv(std::string_view bytes, const HotCsv
             error = formatText("line %zu: ", number) + std::string(refused);
             return std::nullopt;
         }
-        addGroupValue(rates, HotGroup::StrainRate, row.values[1]);
         rows.push_back(row);
     }
     if (rows.empty()) {
         error = "no data lines";
         return std::nullopt;
     }
+    std::vector<double> rateValues(rows.size());
+    std::transform(rows.begin(), rows.end(), rateValues.begin(), [](const Row& row) { return row.values[1]; });
+    const GroupItems rates = strainRateItems(rateValues);
+    std::unordered_map<std::string, std::size_t> rateIndex;
+    rateIndex.reserve(rates.size());
+    for (std::size_t r = 0; r < rates.size(); ++r)
+        rateIndex.emplace(rates[r], r);
     PLASTIC_HOT dataSet;
     if (const std::string_view refused = applyGroups(dataSet, rates, temperatures, {}); !refused.empty()) {
         error = std::string(refused);
@@ -84,11 +91,10 @@ std::optional<PLASTIC_HOT> readHotCurvesCsv(std::string_view bytes, const HotCsv
     dataSet.strainOffset = options.strainOffset;
     for (const Row& row : rows) {
         const auto t = std::find(temperatures.begin(), temperatures.end(), formatText("%g", row.values[0]));
-        const auto r = std::find(rates.begin(), rates.end(), formatText("%g", row.values[1]));
+        const std::size_t r = rateIndex.at(formatText("%g", row.values[1]));
         HotCurvePoint point{0.0, row.values[2], row.values[3]};
         if (acceptRawPoint(point, layout, options.strainOffset, dataSet.maxStress))
-            dataSet.curves[static_cast<std::size_t>(t - temperatures.begin())][static_cast<std::size_t>(r - rates.begin())]
-                .push_back(point);
+            dataSet.curves[static_cast<std::size_t>(t - temperatures.begin())][r].push_back(point);
     }
     return dataSet;
 }

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 #include <optional>
+#include <unordered_map>
+#include <unordered_set>
 
 #include "base/exchangefolder.h"
 #include "base/messages.h"
@@ -15,12 +17,21 @@ namespace {
 
 std::string gText(double value) { return formatText("%g", value); }
 
-std::optional<std::size_t> findText(const std::vector<double>& values, const std::string& text)
+// Where each "%g" text first stands in values: the grid is rebuilt by looking
+// every listed text up once.
+std::unordered_map<std::string, std::size_t> textIndex(const std::vector<double>& values)
 {
+    std::unordered_map<std::string, std::size_t> index;
+    index.reserve(values.size());
     for (std::size_t i = 0; i < values.size(); ++i)
-        if (gText(values[i]) == text)
-            return i;
-    return std::nullopt;
+        index.try_emplace(gText(values[i]), i);
+    return index;
+}
+
+std::optional<std::size_t> findText(const std::unordered_map<std::string, std::size_t>& index, const std::string& text)
+{
+    const auto found = index.find(text);
+    return found == index.end() ? std::nullopt : std::optional<std::size_t>(found->second);
 }
 
 // The readers' line count: reads of at most 128 units, each counted unless it
@@ -86,6 +97,27 @@ std::string_view addGroupValue(GroupItems& items, HotGroup group, double value)
     return {};
 }
 
+GroupItems strainRateItems(std::span<const double> rates)
+{
+    // Each text once, where it was first seen; addGroupValue keeps the list
+    // ascending by the value each text reads back as.
+    std::unordered_set<std::string> seen;
+    std::vector<std::pair<double, std::string>> listed;
+    for (const double rate : rates) {
+        if (!(rate > 0.0))
+            continue;
+        std::string text = gText(rate);
+        if (seen.insert(text).second)
+            listed.emplace_back(toDouble(std::string_view(text)), std::move(text));
+    }
+    std::stable_sort(listed.begin(), listed.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+    GroupItems items;
+    items.reserve(listed.size());
+    for (auto& [value, text] : listed)
+        items.push_back(std::move(text));
+    return items;
+}
+
 std::vector<double> groupValues(const GroupItems& items)
 {
     std::vector<double> values;
@@ -103,12 +135,14 @@ std::string_view applyGroups(HotDataSet& dataSet, const GroupItems& strainRates,
     if (temperatures.empty())
         return messageText(MessageCode::NoTemperature);
     std::vector<std::vector<HotCurve>> curves(temperatures.size(), std::vector<HotCurve>(strainRates.size()));
+    const auto oldTemperatures = textIndex(dataSet.temperatures);
+    const auto oldRates = textIndex(dataSet.strainRates);
     for (std::size_t t = 0; t < temperatures.size(); ++t) {
-        const auto oldT = findText(dataSet.temperatures, temperatures[t]);
+        const auto oldT = findText(oldTemperatures, temperatures[t]);
         if (!oldT)
             continue;
         for (std::size_t r = 0; r < strainRates.size(); ++r)
-            if (const auto oldR = findText(dataSet.strainRates, strainRates[r]);
+            if (const auto oldR = findText(oldRates, strainRates[r]);
                 oldR && *oldT < dataSet.curves.size() && *oldR < dataSet.curves[*oldT].size())
                 curves[t][r] = std::move(dataSet.curves[*oldT][*oldR]);
     }

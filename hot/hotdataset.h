@@ -6,6 +6,7 @@
 #include <array>
 #include <cstddef>
 #include <filesystem>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -27,6 +28,9 @@ using GroupItems = std::vector<std::string>;
 // its "%g" text is already listed, else inserted after every value not above it.
 // The message is empty unless the value was refused.
 std::string_view addGroupValue(GroupItems& items, HotGroup group, double value);
+// The rate list that adding the rates one by one with addGroupValue builds (the
+// rates not above 0 left out), in n log n: a long CSV holds thousands of rates.
+GroupItems strainRateItems(std::span<const double> rates);
 std::vector<double> groupValues(const GroupItems& items);
 
 // Rebuilds the grid from the lists; a curve stays where its temperature and rate

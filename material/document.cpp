@@ -17,7 +17,7 @@ std::string materialFileBytes(const Project& material)
 {
     TextWriter out(TextEncoding::Utf16Le);
     material.WriteMaterialFile(out);
-    return out.bytes();
+    return std::move(out).bytes();
 }
 
 bool readMaterialBytes(std::string_view bytes, Project& material, FileVersion& version,
@@ -59,7 +59,7 @@ MaterialDocument::MaterialDocument(Environment environment) : environment_(std::
 
 bool MaterialDocument::open(const std::filesystem::path& path, std::string& error)
 {
-    const auto bytes = readFileBytes(path, error);
+    const auto bytes = readFileBytes(path, error, kMaxMaterialFileBytes);
     if (!bytes)
         return false;
     if (!readMaterialBytes(*bytes, material_, version_, &warnings_)) {
@@ -94,7 +94,14 @@ bool MaterialDocument::exportLibrary(const std::filesystem::path& path, bool& wr
 
 bool MaterialDocument::save(PendingOutputs& outputs, const std::filesystem::path& path, std::string& error) const
 {
-    return outputs.stage(path, materialFileBytes(material_), error);
+    const std::string bytes = materialFileBytes(material_);
+    if (bytes.size() > kMaxMaterialFileBytes) {
+        constexpr double kMegabyte = 1024.0 * 1024.0;
+        error = formatMessage(MessageCode::MaterialTooLargeToRead, static_cast<double>(bytes.size()) / kMegabyte,
+                              static_cast<double>(kMaxMaterialFileBytes) / kMegabyte);
+        return false;
+    }
+    return outputs.stage(path, bytes, error);
 }
 
 bool MaterialDocument::exportLibrary(PendingOutputs& outputs, const std::filesystem::path& path, bool& wroteModelBlock,

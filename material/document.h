@@ -9,11 +9,15 @@
 #include <vector>
 
 #include "base/environment.h"
+#include "base/fileio.h"
 #include "material/project.h"
 
 namespace zelko {
 
 class PendingOutputs;
+// The largest material file the reader takes; a larger material is refused when
+// saved, so no file is written that would not open again.
+inline constexpr std::uintmax_t kMaxMaterialFileBytes = kMaxInputFileBytes;
 
 class MaterialDocument {
 public:
@@ -31,7 +35,8 @@ public:
     // What the file last opened lacked although it was read (e.g. it ends early),
     // one message each; empty for a whole file.
     const std::vector<std::string>& warnings() const { return warnings_; }
-    // Writes the .zmat atomically: a failed save leaves the previous file.
+    // Writes the .zmat atomically: a failed save leaves the previous file, and so
+    // does a material whose file would be beyond kMaxMaterialFileBytes.
     [[nodiscard]] bool save(const std::filesystem::path& path, std::string& error) const;
     // Writes the .z3dlib entry. Refused without a flow-stress model; a model with
     // no block of its own gives an entry without one (wroteModelBlock false).

@@ -1,7 +1,5 @@
 #include "material/elastic.h"
 
-#include <algorithm>
-
 namespace zelko {
 
 double ELASTIC::value(int index) const
@@ -53,7 +51,7 @@ void ELASTIC::readCurrentLayout(TextReader& in)
             if (!in.readNonBlankLine(line))
                 return;
             const int count = toInt(line);
-            tables[i].reserve(std::min<std::size_t>(count > 0 ? count : 0, in.remaining()));
+            tables[i].reserve(in.claim(count));
             for (int k = 0; k < count; ++k) {
                 if (!in.readNonBlankLine(line))
                     return;

@@ -51,8 +51,11 @@ std::u16string titleFromViewText(std::u16string_view text)
         if (text[i] == u'%' && i + 1 < text.size() && text[i + 1] == u'%')
             ++i;
     }
-    if (title.size() > kTitleCapacity - 1)
-        title.resize(kTitleCapacity - 1);
+    if (title.size() > kTitleCapacity - 1) {
+        // Half a surrogate pair would be written as a character of its own.
+        const bool splitsPair = title[kTitleCapacity - 2] >= 0xD800 && title[kTitleCapacity - 2] <= 0xDBFF;
+        title.resize(kTitleCapacity - (splitsPair ? 2 : 1));
+    }
     return title;
 }
 

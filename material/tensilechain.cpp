@@ -1,6 +1,8 @@
 #include "material/tensilechain.h"
 
 #include <algorithm>
+#include <typeinfo>
+#include <utility>
 
 #include "cold/coldfit.h"
 #include "cold/tensilereduction.h"
@@ -41,7 +43,7 @@ int maximumStressIndex(const Curve& curve)
     return static_cast<int>(highest - curve.begin());
 }
 
-EnteredTest enterTensileTest(const Project& material, const TensileTest& test)
+EnteredTest enterTensileTest(const Project& material, TensileTest test)
 {
     EnteredTest entered;
     std::shared_ptr<RoomOri> record = recordCopy(material);
@@ -56,7 +58,7 @@ EnteredTest enterTensileTest(const Project& material, const TensileTest& test)
     record->gaugeLength = test.gaugeLength;
     record->curves = {};
     if (test.inputKind >= 0 && test.inputKind < static_cast<int>(record->curves.size()))
-        record->curves[static_cast<std::size_t>(test.inputKind)] = test.curve;
+        record->curves[static_cast<std::size_t>(test.inputKind)] = std::move(test.curve);
     if (const auto message = convertEnteredUnits(*record)) {
         entered.error = *message;
         return entered;
@@ -70,10 +72,12 @@ EnteredTest enterTensileTest(const Project& material, const TensileTest& test)
     return entered;
 }
 
-TensileFit fitTensileLaw(const Project& material, const RoomOri& entered, ColdLawId law, const TensileFitSettings& settings,
-                         const Environment& environment, const RunControl& control)
+namespace {
+
+// Fits the law to record, a copy of the entered record that the fit may change.
+TensileFit fitRecord(const Project& material, std::shared_ptr<RoomOri> record, ColdLawId law,
+                     const TensileFitSettings& settings, const Environment& environment, const RunControl& control)
 {
-    auto record = std::dynamic_pointer_cast<RoomOri>(entered.clone());
     record->startIndex = settings.startIndex.value_or(record->startIndex);
     record->neckingIndex = settings.neckingIndex.value_or(maximumStressIndex(record->curves[EngineeringCurve]));
     record->endIndex = static_cast<int>(record->inputCurve().size()) - 1;
@@ -100,6 +104,23 @@ TensileFit fitTensileLaw(const Project& material, const RoomOri& entered, ColdLa
     fit.law = result.law;
     fit.material = withRecord(material, std::move(record));
     return fit;
+}
+
+}  // namespace
+
+TensileFit fitTensileLaw(const Project& material, const RoomOri& entered, ColdLawId law, const TensileFitSettings& settings,
+                         const Environment& environment, const RunControl& control)
+{
+    return fitRecord(material, std::dynamic_pointer_cast<RoomOri>(entered.clone()), law, settings, environment, control);
+}
+
+TensileFit fitTensileLaw(const Project& material, RoomOri&& entered, ColdLawId law, const TensileFitSettings& settings,
+                         const Environment& environment, const RunControl& control)
+{
+    // A record of a derived kind keeps its kind through a copy; a plain one is moved.
+    if (typeid(entered) != typeid(RoomOri))
+        return fitTensileLaw(material, std::as_const(entered), law, settings, environment, control);
+    return fitRecord(material, std::make_shared<RoomOri>(std::move(entered)), law, settings, environment, control);
 }
 
 std::shared_ptr<RoomOri> tensileJobRecord(const Project& material, std::string& error)

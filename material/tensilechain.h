@@ -38,7 +38,8 @@ struct EnteredTest {
     std::shared_ptr<RoomOri> record;
     std::string error;
 };
-EnteredTest enterTensileTest(const Project& material, const TensileTest& test);
+// The test is taken by value: a caller done with its curve moves it in.
+EnteredTest enterTensileTest(const Project& material, TensileTest test);
 
 // The point of maximum engineering stress, where necking starts by default.
 int maximumStressIndex(const Curve& curve);
@@ -64,6 +65,9 @@ struct TensileFit {
 // Fits the law (its model id) to a record from enterTensileTest. The Swift fit
 // also leaves its comparison table in the exchange folder, as the screen does.
 TensileFit fitTensileLaw(const Project& material, const RoomOri& record, ColdLawId law, const TensileFitSettings& settings,
+                         const Environment& environment, const RunControl& control = {});
+// The same for a caller that needs the entered record no more (its curves are moved, not copied).
+TensileFit fitTensileLaw(const Project& material, RoomOri&& record, ColdLawId law, const TensileFitSettings& settings,
                          const Environment& environment, const RunControl& control = {});
 
 // The material's record ready for the tensile solver: its load-displacement

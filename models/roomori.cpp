@@ -21,6 +21,10 @@ void RoomOri::writeMaterialBlock(TextWriter& out, int major, int minor) const
     out.format("%30.4E %20.4E\n", gaugeLength, diameter);
     const Curve& points = inputCurve();  // an unknown kind is written with no points
     out.format(" %5d  %8d\n", inputKind, static_cast<int>(points.size()));
+    // The longest point line ("    -1.0000E-100    -1.0000E-100", line end): the file
+    // of a long curve is then never copied as it grows.
+    constexpr std::size_t kLongestPointLine = 34;
+    out.reserve(points.size() * kLongestPointLine);
     for (const CurvePoint& p : points)
         out.format("    %.4E    %.4E\n", p.x, p.y);
     out.format(" %5d  %5d\n", startIndex, endIndex);

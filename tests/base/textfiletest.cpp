@@ -26,6 +26,26 @@ TEST(TextWriter, EncodesEachFileKindWithItsMarkAndCrLf)
     EXPECT_TRUE(sameBytes(utf8.bytes(), "\xEF\xBB\xBF\xE2\x84\x83\r\n"));
 }
 
+TEST(TextWriter, GivesBackTheTextItEncodedAsWritten)
+{
+    // A title typed with its own "\r\n" and a lone "\r" keeps them; only the
+    // written line end grows a "\r" in the file.
+    const std::u16string typed = u"a\r\nb\rc\n\u00e9\U0001F600\n\n";
+    for (const TextEncoding encoding : {TextEncoding::Utf16Le, TextEncoding::EightBit, TextEncoding::Utf8Bom}) {
+        TextWriter out(encoding);
+        out.put(std::u16string_view(typed));
+        out.put(std::string_view("x\n"));
+        EXPECT_EQ(out.text(), typed + u"x\n");
+        const std::string bytes = out.bytes();
+        EXPECT_EQ(std::move(out).bytes(), bytes);
+    }
+    TextWriter out(TextEncoding::Utf16Le);
+    out.reserve(1000);
+    out.put(std::string_view("\n"));
+    EXPECT_EQ(out.bytes(), std::string("\xFF\xFE\r\0\n\0", 6));
+    EXPECT_EQ(TextWriter().text(), u"");
+}
+
 TEST(TextWriter, FormatsWithPrintfWidths)
 {
     TextWriter out;

@@ -125,6 +125,18 @@ TEST(TensileJob, WritesTheJobAndReadsAResultBack)
     EXPECT_NE(readBytes(library).find("       2\r\n                    1.0000E-01        5.0000E+02\r\n"), std::string::npos);
 
     EXPECT_TRUE(isOneErrorLine(runCli({"tensile-job", material.string(), "--job", job.string()}), "no tensile record"));
+
+    // A finished run whose curve is empty or not numbers writes nothing.
+    const fs::path refused = scratch.file("refused.zmat"), refusedLibrary = scratch.file("refused.z3dlib");
+    for (const char* curve : {" 0\n", " 2\n 1 0.1 500\n 2 0.2 inf\n"}) {
+        writeBytes(scratch.file("job/t1045.tnsspf"),
+                   std::string(" NCSTG IS GREATER THAN NSTG\n a\n b\n c\n p = 1 0.5\n 0\n") + curve + " FINISHED_MAT\n");
+        EXPECT_TRUE(isOneErrorLine(runCli({"tensile-result", recorded.string(), "--job", job.string(), "-o",
+                                           refused.string(), "--export", refusedLibrary.string()}),
+                                   "no usable flow curve"));
+        EXPECT_FALSE(fs::exists(refused));
+        EXPECT_FALSE(fs::exists(refusedLibrary));
+    }
 }
 
 }  // namespace

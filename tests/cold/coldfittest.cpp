@@ -43,6 +43,29 @@ TEST(ColdFit, ReturnsTheLawAndTheTrueCurveAndChangesNothing)
     EXPECT_FALSE(entered.trueCurve);
 }
 
+TEST(ColdFit, TheLawHoldsTheTrueCurveAlone)
+{
+    // A law is fitted to the true curve; a copy of the measured forms in every
+    // law (and in its held copy) made a long test take gigabytes.
+    RoomOri record = engineeringRecord();
+    record.curves[LoadDisplacement] = record.curves[EngineeringCurve];
+    const ColdFitResult result = fitColdLaw(record, ColdLawId::Hollomon, {});
+    ASSERT_TRUE(result.law) << result.message;
+    EXPECT_TRUE(result.law->curves[LoadDisplacement].empty());
+    EXPECT_TRUE(result.law->curves[EngineeringCurve].empty());
+    EXPECT_EQ(result.law->curves[TrueCurve], *result.trueCurve);
+    EXPECT_EQ(result.law->curves[LoadDisplacement].capacity(), 0u);
+
+    RoomOri applied = record;
+    applyColdFit(result, applied);
+    const auto* held = dynamic_cast<const RoomOri*>(applied.heldModel.get());
+    ASSERT_NE(held, nullptr);
+    EXPECT_TRUE(held->curves[LoadDisplacement].empty());
+    EXPECT_TRUE(held->curves[EngineeringCurve].empty());
+    EXPECT_EQ(held->curves[TrueCurve], *result.trueCurve);
+    EXPECT_EQ(applied.curves[EngineeringCurve], record.curves[EngineeringCurve]);  // the record keeps its own
+}
+
 TEST(ColdFit, SwiftComparisonTableGoesIntoTheFolderItIsGiven)
 {
     const ColdFitResult result = fitColdLaw(engineeringRecord(), ColdLawId::Swift, {});

@@ -7,6 +7,7 @@
 
 #include "cold/plastic_8.h"
 #include "base/fileio.h"
+#include "temporaryfolder.h"
 #include "testutil.h"
 
 namespace zelko {
@@ -174,6 +175,48 @@ TEST(TensileProgress, LibraryBlockWritesThePairsById)
     EXPECT_EQ(test::textOf(other), formatText(head.c_str(), 9));
 }
 
+// A finished job's progress file with the given curve lines after its count.
+TensileResultStatus readFinishedJob(const std::filesystem::path& folder, const std::string& curve, PLASTIC_8& model)
+{
+    std::string error;
+    EXPECT_TRUE(saveFileAtomically(folder / "run1.z2dsrf", "result", error)) << error;
+    EXPECT_TRUE(saveFileAtomically(folder / "run1.tnsspf",
+                                   " NCSTG IS GREATER THAN NSTG\n a\n b\n c\n p = 4 0.3\n 0\n" + curve
+                                       + " FINISHED_MAT\n",
+                                   error))
+        << error;
+    return readTensileResult(folder / "run1.tnsprj", model);
+}
+
+TEST(TensileResult, RefusesACurveWithoutPointsOrWithValuesThatAreNotNumbers)
+{
+    const test::TemporaryFolder folder;
+    PLASTIC_8 model;
+    ASSERT_EQ(readFinishedJob(folder.path(), " 2\n 1 0.1 300\n 2 0.2 350\n", model), TensileResultStatus::Read);
+    EXPECT_EQ(model.identifiedCurve.size(), 2u);
+
+    // A solver that stopped before its first stage writes a count of 0.
+    EXPECT_EQ(readFinishedJob(folder.path(), " 0\n", model), TensileResultStatus::NoUsableCurve);
+    // A diverged run prints nan and inf for the stresses.
+    EXPECT_EQ(readFinishedJob(folder.path(), " 2\n 1 0.1 nan\n 2 0.2 350\n", model), TensileResultStatus::NoUsableCurve);
+    EXPECT_EQ(readFinishedJob(folder.path(), " 2\n 1 0.1 300\n 2 inf 350\n", model), TensileResultStatus::NoUsableCurve);
+    EXPECT_EQ(readFinishedJob(folder.path(), " 2\n 1 0.1 300\n 2 0.2 -1e999\n", model),
+              TensileResultStatus::NoUsableCurve);
+    EXPECT_STREQ(tensileResultMessage(TensileResultStatus::NoUsableCurve),
+                 "The analysis result holds no usable flow curve (no points, or a value that is not a number).");
+
+    // The curve parameter goes into the library entry as well.
+    std::string error;
+    ASSERT_TRUE(saveFileAtomically(folder.path() / "run1.tnsspf",
+                                   " NCSTG IS GREATER THAN NSTG\n a\n b\n c\n p = 4 nan\n 0\n 1\n 1 0.1 300\n"
+                                   " FINISHED_MAT\n",
+                                   error));
+    EXPECT_EQ(readTensileResult(folder.path() / "run1.tnsprj", model), TensileResultStatus::NoUsableCurve);
+    // No marker line: the finished file holds no curve at all.
+    ASSERT_TRUE(saveFileAtomically(folder.path() / "run1.tnsspf", " FINISHED_MAT\n", error));
+    EXPECT_EQ(readTensileResult(folder.path() / "run1.tnsprj", model), TensileResultStatus::NoUsableCurve);
+}
+
 TEST(TensileSolver, RunsOnTheJobListAndReadsTheResultBack)
 {
     const auto folder = std::filesystem::temp_directory_path() / "zelko-tensile-job";
@@ -216,6 +259,111 @@ TEST(TensileSolver, RunsOnTheJobListAndReadsTheResultBack)
     EXPECT_NE(error.find("not found"), std::string::npos);
     EXPECT_TRUE(std::filesystem::exists(folder / "run1.tnsscf"));  // the job stays for a later run
     std::filesystem::remove_all(folder);
+}
+
+// A job written into folder, ready for the solver.
+std::filesystem::path writtenJob(const std::filesystem::path& folder)
+{
+    const auto job = folder / "run1.tnsprj";
+    std::string error;
+    EXPECT_TRUE(writeTensileJob(loadRecord(5), job, {}, error)) << error;
+    return job;
+}
+
+// A stand-in solver that leaves a mark in its folder when it runs.
+std::filesystem::path markingSolver(const std::filesystem::path& path, std::filesystem::perms perms)
+{
+    std::ofstream(path) << "#!/bin/sh\necho ran > ran.txt\n";
+    std::filesystem::permissions(path, perms);
+    return path;
+}
+
+TEST(TensileSolver, NeverHandsTheSolverOurOwnOutput)
+{
+    const test::TemporaryFolder folder;
+    const auto job = writtenJob(folder.path());
+    Environment environment;
+    environment.tensileSolver = markingSolver(folder.path() / "solver.sh", std::filesystem::perms::owner_all).string();
+    // A folder where the log would go: the log can't be opened.
+    std::filesystem::create_directory(folder.path() / "run1.log");
+    std::string error;
+    EXPECT_FALSE(startTensileSolver(job, environment, error));
+    EXPECT_NE(error.find("log"), std::string::npos) << error;
+    EXPECT_NE(error.find("not started"), std::string::npos) << error;
+    EXPECT_FALSE(std::filesystem::exists(folder.path() / "ran.txt"));
+
+    // Nor its input: a job list that can't be read starts nothing either.
+    std::filesystem::remove(folder.path() / "run1.log");
+    std::filesystem::remove(folder.path() / "run1.tnsslf");
+    EXPECT_FALSE(startTensileSolver(job, environment, error));
+    EXPECT_NE(error.find("job list"), std::string::npos) << error;
+    EXPECT_FALSE(std::filesystem::exists(folder.path() / "ran.txt"));
+}
+
+TEST(TensileSolver, RunsAJobGivenByARelativePath)
+{
+    // The child enters the job's folder: the log and the job list are the job's own,
+    // not paths read again from inside the folder.
+    const test::TemporaryFolder folder;
+    const auto was = std::filesystem::current_path();
+    std::filesystem::current_path(folder.path());
+    std::filesystem::create_directory("jobs");
+    const auto job = writtenJob("jobs");
+    {
+        std::ofstream script("solver.sh");
+        script << "#!/bin/sh\ncat > copied.txt\necho to-the-log\n";
+    }
+    std::filesystem::permissions("solver.sh", std::filesystem::perms::owner_all);
+    Environment environment;
+    environment.tensileSolver = "solver.sh";  // relative to where we were started
+    std::string error;
+    const bool started = startTensileSolver(job, environment, error);
+    std::string log;
+    for (int i = 0; i < 100 && log.empty(); ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        log = readFileBytes("jobs/run1.log", error).value_or("");
+    }
+    const auto copied = readFileBytes("jobs/copied.txt", error);
+    const auto jobList = readFileBytes("jobs/run1.tnsslf", error);
+    std::filesystem::current_path(was);
+    ASSERT_TRUE(started) << error;
+    EXPECT_EQ(log, "to-the-log\n");
+    ASSERT_TRUE(copied && jobList);
+    EXPECT_EQ(*copied, *jobList);
+}
+
+TEST(TensileSolver, SaysWhyASolverThatIsThereCannotRun)
+{
+    const test::TemporaryFolder folder;
+    const auto job = writtenJob(folder.path());
+    Environment environment;
+    std::string error;
+    // Copied from a Windows share without its execute bit.
+    environment.tensileSolver = markingSolver(folder.path() / "solver.sh", std::filesystem::perms::owner_read).string();
+    EXPECT_FALSE(startTensileSolver(job, environment, error));
+    EXPECT_NE(error.find("cannot be run: it is not executable"), std::string::npos) << error;
+    EXPECT_EQ(error.find("not found"), std::string::npos) << error;
+
+    // A folder of that name.
+    environment.tensileSolver = folder.path().string();
+    EXPECT_FALSE(startTensileSolver(job, environment, error));
+    EXPECT_NE(error.find("cannot be run: it is a folder"), std::string::npos) << error;
+
+    // Executable, but no program the system can start (a Windows executable).
+    const auto windows = folder.path() / "Z2DTS_V24R02";
+    std::ofstream(windows) << "MZ\x90";
+    std::filesystem::permissions(windows, std::filesystem::perms::owner_all);
+    environment.tensileSolver = windows.string();
+    EXPECT_FALSE(startTensileSolver(job, environment, error));
+    EXPECT_NE(error.find("cannot be run: Exec format error"), std::string::npos) << error;
+
+    // Found on PATH without its execute bit: the same, not "not found".
+    std::filesystem::permissions(windows, std::filesystem::perms::owner_read);
+    environment.tensileSolver.clear();
+    environment.searchPath = folder.path().string();
+    EXPECT_FALSE(startTensileSolver(job, environment, error));
+    EXPECT_NE(error.find("cannot be run: it is not executable"), std::string::npos) << error;
+    EXPECT_FALSE(std::filesystem::exists(folder.path() / "ran.txt"));
 }
 
 }  // namespace

@@ -111,6 +111,41 @@ TEST(TensileForms, RefuseWhatWouldDivideByZeroOrCarryNaN)
     EXPECT_TRUE(nan.curves[LoadDisplacement].empty());
 }
 
+TEST(TensileForms, SaySoWhenTheSpecimenSizeGivesNoCurve)
+{
+    const std::string noArea = "the specimen's cross-section at a diameter of %g mm is zero (or beyond any number): "
+                               "the curve gives no stresses";
+    // A diameter typed in metres with an exponent gone wrong: its square is below any number.
+    for (const double diameter : {1e-300, 1e200}) {
+        RoomOri load = recordWith(LoadDisplacement, {{0.1, 1000}, {0.2, 2000}});
+        load.diameter = diameter;
+        double area = 0;
+        EXPECT_EQ(deriveCurveForms(load, area), formatText(noArea.c_str(), diameter));
+    }
+    // The rounded area of a stress-strain input is zero below 0.008 mm.
+    for (const InputKind kind : {EngineeringCurve, TrueCurve}) {
+        RoomOri stress = recordWith(kind, {{0.01, 100}, {0.02, 200}});
+        stress.diameter = 0.005;
+        double area = 0;
+        EXPECT_EQ(deriveCurveForms(stress, area), formatText(noArea.c_str(), 0.005));
+        stress.diameter = 1e200;  // and beyond any number above
+        area = 0;
+        EXPECT_EQ(deriveCurveForms(stress, area), formatText(noArea.c_str(), 1e200));
+    }
+    // A real area, but loads too large for it.
+    RoomOri heavy = recordWith(LoadDisplacement, {{0.1, 1e300}, {0.2, 2e300}});
+    heavy.diameter = 1e-5;
+    double area = 0;
+    EXPECT_EQ(deriveCurveForms(heavy, area),
+              "the specimen size (diameter 1e-05 mm, gauge length 50 mm) gives no usable curve: a strain or stress is "
+              "not a finite number");
+    // A gauge length too long for the strains of the load.
+    RoomOri longGauge = recordWith(EngineeringCurve, {{5, 100}, {10, 200}});
+    longGauge.gaugeLength = 1e308;
+    area = 0;
+    EXPECT_TRUE(deriveCurveForms(longGauge, area));
+}
+
 TEST(TrueCurve, StartsAtZeroStrainAndStopsAtNecking)
 {
     RoomOri record = recordWith(EngineeringCurve, {{0.0, 100}, {0.01, 200}, {0.05, 300}, {0.1, 350}, {0.2, 340}});

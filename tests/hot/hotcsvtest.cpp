@@ -1,5 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
+#include <random>
+
 #include "hot/hotcsv.h"
 #include "hotcurves.h"
 #include "testutil.h"
@@ -42,6 +46,37 @@ TEST(HotCsv, LongFormIntoTheGrid)
     const auto offset = read("1000,0.1,0.001,50\n1000,0.1,0.202,100\n1000,1,0.202,100\n", error, {0.002});
     ASSERT_TRUE(offset) << error;
     EXPECT_EQ(offset->curves[0][0], (HotCurve{{0, 0.2, 100}}));
+}
+
+TEST(HotCsv, ManyRatesInAnyOrderLandInTheirCells)
+{
+    // A rate sweep of 20,000 rates over four decades at two temperatures, the
+    // lines shuffled; each point's stress names its cell.
+    constexpr int kRates = 20000;
+    const auto rate = [](int r) { return 0.001 * std::pow(1.0005, r); };
+    std::vector<std::string> lines;
+    for (int t = 0; t < 2; ++t)
+        for (int r = 0; r < kRates; ++r)
+            lines.push_back(formatText("%d,%g,0.1,%d\n", 1000 + 100 * t, rate(r), t * kRates + r + 1));
+    std::shuffle(lines.begin(), lines.end(), std::mt19937(3));
+    std::string csv = "temperature,strain_rate,strain,stress\n";
+    for (const std::string& line : lines)
+        csv += line;
+
+    std::string error;
+    const auto dataSet = read(csv, error);
+    ASSERT_TRUE(dataSet) << error;
+    EXPECT_EQ(dataSet->temperatures, (std::vector<double>{1000, 1100}));
+    ASSERT_EQ(dataSet->strainRates.size(), static_cast<std::size_t>(kRates));
+    for (int t = 0; t < 2; ++t)
+        for (int r = 0; r < kRates; ++r) {
+            const auto cell = static_cast<std::size_t>(r);
+            // Stops at the first cell astray rather than listing thousands.
+            ASSERT_EQ(formatText("%g", dataSet->strainRates[cell]), formatText("%g", rate(r)));
+            ASSERT_EQ(dataSet->curves[static_cast<std::size_t>(t)][cell].size(), 1u);
+            ASSERT_EQ(dataSet->curves[static_cast<std::size_t>(t)][cell][0].stress, t * kRates + r + 1);
+        }
+    EXPECT_EQ(dataSet->maxStress, 2 * kRates);
 }
 
 TEST(HotCsv, EveryRefusalNamesItsLine)

@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <filesystem>
+#include <random>
 
 #include "hot/hotdataset.h"
 #include "hot/stresstable.h"
@@ -55,6 +56,72 @@ TEST(HotGroups, DuplicatesByTheirPrintedTextAndAscendingInsertion)
     addGroupValue(rates, HotGroup::StrainRate, 0.5);
     EXPECT_EQ(rates, (GroupItems{"0.01", "0.1", "0.5", "1"}));
     EXPECT_EQ(groupValues(rates), (std::vector<double>{0.01, 0.1, 0.5, 1.0}));
+}
+
+TEST(HotGroups, ManyRatesAtOnceListAsOneByOne)
+{
+    // Rates as a long CSV brings them: out of order, repeated, some printing alike
+    // (0.1 and 0.1000001), some not above 0.
+    std::mt19937 random(7);
+    std::uniform_real_distribution<double> exponent(-4.0, 3.0);
+    std::vector<double> rates;
+    for (int i = 0; i < 3000; ++i) {
+        const double rate = std::pow(10.0, exponent(random));
+        rates.push_back(rate);
+        if (i % 7 == 0)
+            rates.push_back(rate * (1.0 + 1e-8));
+        if (i % 11 == 0)
+            rates.push_back(rates[static_cast<std::size_t>(i) / 2]);
+        if (i % 13 == 0)
+            rates.push_back(i % 2 ? 0.0 : -rate);
+    }
+    GroupItems oneByOne;
+    for (const double rate : rates)
+        addGroupValue(oneByOne, HotGroup::StrainRate, rate);
+    const GroupItems atOnce = strainRateItems(rates);
+    EXPECT_EQ(atOnce, oneByOne);
+    EXPECT_GT(atOnce.size(), 2900u);
+    EXPECT_EQ(strainRateItems(std::vector<double>{1.0, 0.1000001, 0.1, 0.01}), (GroupItems{"0.01", "0.1", "1"}));
+    EXPECT_TRUE(strainRateItems({}).empty());
+}
+
+TEST(HotGroups, ApplyKeepsEveryCurveOfAManyRateGrid)
+{
+    // 5,000 rates, each cell's curve telling its rate; then every other rate dropped
+    // and new ones listed between.
+    GroupItems rates;
+    for (int r = 1; r <= 5000; ++r)
+        rates.push_back(formatText("%g", r * 0.001));
+    PLASTIC_HOT dataSet;
+    ASSERT_EQ(applyGroups(dataSet, rates, {"900", "1000"}, {"0.1"}), "");
+    for (std::size_t t = 0; t < 2; ++t)
+        for (std::size_t r = 0; r < rates.size(); ++r)
+            dataSet.curves[t][r] = {{0, 0.1, static_cast<double>(t * 100000 + r)}};
+    GroupItems kept;
+    for (std::size_t r = 0; r < rates.size(); r += 2) {
+        kept.push_back(rates[r]);
+        kept.push_back(formatText("%g", (static_cast<double>(r) + 1.5) * 0.001));
+    }
+    ASSERT_EQ(applyGroups(dataSet, kept, {"1000"}, {"0.1"}), "");
+    ASSERT_EQ(dataSet.curves.size(), 1u);
+    ASSERT_EQ(dataSet.curves[0].size(), kept.size());
+    for (std::size_t k = 0; k < kept.size(); ++k) {
+        if (k % 2 == 1) {
+            ASSERT_TRUE(dataSet.curves[0][k].empty()) << kept[k];
+            continue;
+        }
+        ASSERT_EQ(dataSet.curves[0][k].size(), 1u) << kept[k];
+        ASSERT_EQ(dataSet.curves[0][k][0].stress, 100000.0 + static_cast<double>(k)) << kept[k];
+    }
+
+    // Two old rates printing alike: the first one's curve is taken.
+    PLASTIC_HOT alike;
+    ASSERT_EQ(applyGroups(alike, {"0.1", "1"}, {"900"}, {}), "");
+    alike.strainRates = {0.1, 0.1000001};
+    alike.curves[0] = {{{0, 0.1, 1}}, {{0, 0.1, 2}}};
+    ASSERT_EQ(applyGroups(alike, {"0.1", "1"}, {"900"}, {}), "");
+    EXPECT_EQ(alike.curves[0][0], (HotCurve{{0, 0.1, 1}}));
+    EXPECT_TRUE(alike.curves[0][1].empty());
 }
 
 TEST(HotGroups, ApplyRefusesSmallGroupsAndKeepsSurvivingCurves)

@@ -430,6 +430,27 @@ TEST_F(MapFolderTest, AStopKillsGnuplotWithin50Milliseconds)
     EXPECT_FALSE(std::filesystem::exists(folder_ / "map.png"));
 }
 
+TEST_F(MapFolderTest, APictureTooLargeToReadIsCalledSo)
+{
+    ASSERT_TRUE(std::filesystem::create_directories(folder_));
+    // A gnuplot asked for a picture of 20,000 x 20,000 points writes some 300 MB
+    // (here a sparse file of that size).
+    const std::filesystem::path program = folder_ / "large-gnuplot";
+    std::string error;
+    ASSERT_TRUE(saveFileAtomically(program,
+                                   "#!/bin/sh\n"
+                                   "out=$(sed -n \"s/^set output '\\(.*\\)'$/\\1/p\")\n"
+                                   "truncate -s 300M \"$out\"\n",
+                                   error));
+    std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+    environment_.gnuplotProgram = program.string();
+    const PngRequest request{folder_ / "script.txt", folder_ / "map.png", 100, 100};
+    EXPECT_EQ(renderGnuplotPng(request, environment_, {}, error), RenderEnd::Failed);
+    EXPECT_EQ(error, "gnuplot's picture is too large (300 MB, more than 256 MB): ask for a smaller picture");
+    EXPECT_FALSE(std::filesystem::exists(folder_ / "map.png"));
+    EXPECT_TRUE(filesStarting(folder_, "gnuplot_render").empty());
+}
+
 TEST_F(MapFolderTest, TwoRendersAtOnceEachGetTheirOwnPicture)
 {
     ASSERT_TRUE(std::filesystem::create_directories(folder_));

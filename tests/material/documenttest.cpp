@@ -179,6 +179,32 @@ TEST(MaterialDocument, OpensWithTheFileVersionAndARejectedFileChangesNothing)
     expectSame(reopened.material(), snapshotOf(document.material()));
 }
 
+TEST(MaterialDocument, RefusesToSaveAMaterialTooLargeToOpenAgain)
+{
+    const test::TemporaryFolder temporary;
+    const auto path = temporary.path() / "kept.zmat";
+    MaterialDocument document;
+    std::string error;
+    ASSERT_TRUE(document.save(path, error)) << error;
+    const auto saved = readFileBytes(path, error);
+    ASSERT_TRUE(saved) << error;
+
+    // A tensile test logged at a high rate: 4.5 million points, 60 bytes each in
+    // the file, beyond what the reader takes.
+    Project huge = document.copy();
+    auto record = std::make_shared<RoomOri>();
+    record->inputKind = EngineeringCurve;
+    record->curves[EngineeringCurve].assign(4'500'000, CurvePoint{0.1, 200.0});
+    huge.setModel(record);
+    document.commit(std::move(huge));
+    EXPECT_FALSE(document.save(path, error));
+    EXPECT_TRUE(error.starts_with("the material would be too large to read back (257 MB, more than the 256 MB a "
+                                  "material file may hold)"))
+        << error;
+    EXPECT_EQ(readFileBytes(path, error), saved);  // the previous file stays
+    EXPECT_TRUE(document.modified());
+}
+
 TEST(MaterialDocument, OpensAFileCutShortAndSaysSo)
 {
     const test::TemporaryFolder temporary;

@@ -69,5 +69,20 @@ TEST(ElasticBlock, LibraryReaderIsInertOnAFreshStream)
     EXPECT_EQ(elastic.propertyType[YoungsModulus], 1);
 }
 
+TEST(ElasticBlock, ATableCountReservesNoMoreThanTheFileAllows)
+{
+    // A damaged count before a long tail: the table may take a quarter of the
+    // file's characters in points, never a point per character.
+    const std::string tail(400000, ' ');
+    for (const char* count : {" 1000000000\n", " 2147483647\n"}) {
+        ELASTIC elastic;
+        TextReader in(std::string(" 2\n") + count + " 20 1\n 30 2\n 7\n" + tail, ReadMode::EightBit);
+        const std::size_t allowance = std::max<std::size_t>(4096, in.remaining() / 4);
+        elastic.readMaterialBlock(in, 6);
+        EXPECT_EQ(elastic.tables[YoungsModulus], (PropertyTable{{20, 1}, {30, 2}}));
+        EXPECT_LE(elastic.tables[YoungsModulus].capacity(), allowance);
+    }
+}
+
 }  // namespace
 }  // namespace zelko

@@ -395,5 +395,19 @@ TEST(MaterialTitle, SaveHonoursOnlyDoublePercent)
     EXPECT_EQ(titleFromViewText(std::u16string(400, u'x')).size(), 255u);
 }
 
+TEST(MaterialTitle, CutKeepsWholeCharacters)
+{
+    // A title of emoji (two UTF-16 units each): the 255th unit is the first half of
+    // a pair, so the cut falls before the pair.
+    std::u16string emoji;
+    for (int i = 0; i < 200; ++i)
+        emoji += u"\U0001F600";
+    EXPECT_EQ(titleFromViewText(emoji), emoji.substr(0, 254));
+    // One letter before them: the 255th unit ends a pair and is kept.
+    EXPECT_EQ(titleFromViewText(u"x" + emoji), (u"x" + emoji).substr(0, 255));
+    // "%%" read as "%" moves the cut as well.
+    EXPECT_EQ(titleFromViewText(u"%%%%" + emoji), (u"%%" + emoji).substr(0, 254));
+}
+
 }  // namespace
 }  // namespace zelko

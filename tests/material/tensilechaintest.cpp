@@ -66,6 +66,41 @@ TEST(TensileChain, FitsIntoANewMaterialWithTheLawItExports)
     EXPECT_TRUE(std::filesystem::exists(folder.path() / "ZELKO_MAT_PL1.dat"));
 }
 
+TEST(TensileChain, ACallerDoneWithItsCurveHandsItOverWithoutACopy)
+{
+    // A curve file is read into room for its lines once, not grown by doubling.
+    std::string text = "displacement_mm,force_N\n";
+    for (int i = 0; i < 1000; ++i)
+        text += formatText("%g,%g\n", 0.001 * i, 10.0 * i);
+    std::string error;
+    const std::optional<Curve> read = readCurveText(text, error);
+    ASSERT_TRUE(read) << error;
+    EXPECT_EQ(read->size(), 1000u);
+    EXPECT_LE(read->capacity(), 1002u);
+
+    const test::TemporaryFolder folder;
+    const Project material = coldMaterial();
+    TensileTest test = steel1045();
+    const CurvePoint* points = test.curve.data();
+    EnteredTest entered = enterTensileTest(material, std::move(test));
+    ASSERT_TRUE(entered.record) << entered.error;
+    EXPECT_EQ(entered.record->curves[LoadDisplacement].data(), points);
+
+    // Fitted from a record given up, the same material as from one kept.
+    TensileFitSettings settings;
+    settings.startIndex = kStart1045;
+    const TensileFit kept = fitTensileLaw(material, *entered.record, ColdLawId::Hollomon, settings, folder.environment());
+    const TensileFit moved
+        = fitTensileLaw(material, std::move(*entered.record), ColdLawId::Hollomon, settings, folder.environment());
+    ASSERT_TRUE(kept.material && moved.material) << kept.error << moved.error;
+    const auto* record = dynamic_cast<const RoomOri*>(moved.material->activeModel.get());
+    ASSERT_NE(record, nullptr);
+    EXPECT_EQ(record->curves[LoadDisplacement].data(), points);
+    EXPECT_TRUE(test::sameBytes(materialFileBytes(*moved.material), materialFileBytes(*kept.material)));
+    EXPECT_TRUE(test::sameBytes(libraryEntryBytes(*moved.material).bytes, libraryEntryBytes(*kept.material).bytes));
+    EXPECT_EQ(moved.text, kept.text);
+}
+
 TEST(TensileChain, AStoppedFitLeavesTheDocumentAsItWas)
 {
     const test::TemporaryFolder folder;
@@ -111,6 +146,24 @@ TEST(TensileChain, RefusesAHotMaterialAndAJobWithoutResult)
     const TensileResult result = readTensileJobResult(material, *entered.record, folder.path() / "run1.tnsprj");
     EXPECT_FALSE(result.material);
     EXPECT_EQ(result.status, TensileResultStatus::NoResultFile);
+}
+
+TEST(TensileChain, AJobResultWithoutAUsableCurveGivesNoMaterial)
+{
+    const test::TemporaryFolder folder;
+    const Project material = coldMaterial();
+    const EnteredTest entered = enterTensileTest(material, steel1045());
+    ASSERT_TRUE(entered.record);
+    std::string error;
+    ASSERT_TRUE(saveFileAtomically(folder.path() / "run1.z2dsrf", "result", error));
+    // The solver finished but its last stage printed nan for the stress.
+    ASSERT_TRUE(saveFileAtomically(folder.path() / "run1.tnsspf",
+                                   " NCSTG IS GREATER THAN NSTG\n a\n b\n c\n p = 1 0.5\n 0\n 2\n 1 0.1 500\n"
+                                   " 2 0.2 nan\n FINISHED_MAT\n",
+                                   error));
+    const TensileResult result = readTensileJobResult(material, *entered.record, folder.path() / "run1.tnsprj");
+    EXPECT_FALSE(result.material);
+    EXPECT_EQ(result.status, TensileResultStatus::NoUsableCurve);
 }
 
 }  // namespace
