@@ -10,6 +10,7 @@
 #include "app/matview.h"
 #include "material/tselikov.h"
 #include "ui/chemicalcompositiondlg.h"
+#include "ui/dialogoption.h"
 #include "ui/elasticdlg.h"
 #include "ui/heatdlg.h"
 #include "ui/listdatadlg.h"
@@ -59,5 +60,7 @@ int main(int argc, char* argv[])
     CDlgListData list(0, {}, composition);
     list.runMethod(0);
     save(list, folder, QStringLiteral("list-data"));
+    CDialogOption options(zelko::ui::currentLanguageId());
+    save(options, folder, QStringLiteral("options"));
     return 0;
 }
