@@ -66,11 +66,16 @@ bool MaterialDocument::open(const std::filesystem::path& path, std::string& erro
         error = messageText(MessageCode::NotAMaterialFile);
         return false;
     }
+    forgetHistory();
+    return true;
+}
+
+void MaterialDocument::forgetHistory()
+{
     undo_.clear();
     redo_.clear();
     modified_ = false;
     lastCommitWasTitle_ = false;
-    return true;
 }
 
 bool MaterialDocument::save(const std::filesystem::path& path, std::string& error) const
@@ -150,32 +155,22 @@ void MaterialDocument::close()
     material_ = Project();
     version_ = FileVersion{};
     warnings_.clear();
-    undo_.clear();
-    redo_.clear();
-    modified_ = false;
-    lastCommitWasTitle_ = false;
+    forgetHistory();
 }
 
-void MaterialDocument::undo()
+void MaterialDocument::step(std::vector<Project>& from, std::vector<Project>& to)
 {
-    if (undo_.empty())
+    if (from.empty())
         return;
-    redo_.push_back(std::move(material_));
-    material_ = std::move(undo_.back());
-    undo_.pop_back();
+    to.push_back(std::move(material_));
+    material_ = std::move(from.back());
+    from.pop_back();
     modified_ = true;
     lastCommitWasTitle_ = false;
 }
 
-void MaterialDocument::redo()
-{
-    if (redo_.empty())
-        return;
-    undo_.push_back(std::move(material_));
-    material_ = std::move(redo_.back());
-    redo_.pop_back();
-    modified_ = true;
-    lastCommitWasTitle_ = false;
-}
+void MaterialDocument::undo() { step(undo_, redo_); }
+
+void MaterialDocument::redo() { step(redo_, undo_); }
 
 }  // namespace zelko

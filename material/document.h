@@ -64,6 +64,10 @@ public:
     bool modified() const { return modified_; }
 
 private:
+    // A material fresh from a file or empty: nothing to undo, nothing unsaved.
+    void forgetHistory();
+    // Undo and redo: the material goes onto one stack, the other's top comes back.
+    void step(std::vector<Project>& from, std::vector<Project>& to);
     Environment environment_;
     Project material_;
     FileVersion version_;

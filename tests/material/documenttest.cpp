@@ -149,6 +149,35 @@ TEST(MaterialDocument, AnEditIsACopyThatIsCommittedWholeOrDropped)
     EXPECT_FALSE(document.canRedo());
 }
 
+TEST(MaterialDocument, ARunOfTitleKeystrokesIsOneStepAndCloseForgetsEverything)
+{
+    MaterialDocument document;
+    document.commit(fittedColdMaterial());
+    const Snapshot beforeTyping = snapshotOf(document.material());
+    for (const char16_t* typed : {u"A", u"AI", u"AIS", u"AISI"})
+        document.setTitle(typed);
+    EXPECT_EQ(document.material().title, u"AISI");
+    document.undo();
+    expectSame(document.material(), beforeTyping);  // the whole run at once
+    document.redo();
+    EXPECT_EQ(document.material().title, u"AISI");
+
+    // A commit in between starts a new run.
+    Project edit = document.copy();
+    edit.conductivity->points.clear();
+    document.commit(std::move(edit));
+    document.setTitle(u"AISI 1045");
+    document.undo();
+    EXPECT_EQ(document.material().title, u"AISI");
+    EXPECT_TRUE(document.material().conductivity->points.empty());
+
+    document.close();
+    expectSame(document.material(), snapshotOf(Project()));
+    EXPECT_FALSE(document.modified());
+    EXPECT_FALSE(document.canUndo());
+    EXPECT_FALSE(document.canRedo());
+}
+
 TEST(MaterialDocument, OpensWithTheFileVersionAndARejectedFileChangesNothing)
 {
     const test::TemporaryFolder temporary;
