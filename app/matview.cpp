@@ -13,6 +13,7 @@
 #include <QVBoxLayout>
 
 #include "hot/plastic_hot.h"
+#include "material/libraryexport.h"
 #include "material/modelregistry.h"
 #include "models/roomori.h"
 #include "ui/chemicalcompositiondlg.h"
@@ -45,6 +46,27 @@ QGroupBox* group(const QString& label, int id, QWidget* parent, std::initializer
 std::filesystem::path toPath(const QString& path) { return std::filesystem::path(path.toStdU16String()); }
 
 const QString kCaption = QStringLiteral("ZELKO_MAT");
+
+// The file a command writes: the typed name's title with the command's extension, whatever was typed.
+QString withExtension(const QString& typed, const QString& extension)
+{
+    const QFileInfo file(typed);
+    return file.absolutePath() + QLatin1Char('/') + file.completeBaseName() + extension;
+}
+
+// A save dialog; empty when cancelled.
+QString askSavePath(QWidget* parent, const QString& caption, const QString& start, const QString& filter,
+                    const QString& suffix)
+{
+    QFileDialog dialog(parent, caption, start, filter);
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setDefaultSuffix(suffix);
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+        return {};
+    return dialog.selectedFiles().constFirst();
+}
+
+const QString kMaterialFilter = QStringLiteral("ZELKO /MAT File(*.zmat)");
 
 }  // namespace
 
@@ -159,9 +181,7 @@ bool CMATView::openFile(const QString& path)
 
 bool CMATView::saveFile(const QString& path)
 {
-    // Whatever extension was typed, the file is the name's title with ".zmat".
-    const QFileInfo typed(path);
-    const QString target = typed.absolutePath() + QLatin1Char('/') + typed.completeBaseName() + QStringLiteral(".zmat");
+    const QString target = withExtension(path, QStringLiteral(".zmat"));
     takeTitle();
     std::string error;
     if (!document_.save(toPath(target), error)) {
@@ -169,7 +189,7 @@ bool CMATView::saveFile(const QString& path)
                              QStringLiteral("%1 was not saved: %2").arg(QDir::toNativeSeparators(target), ui::fromUtf8(error)));
         return false;
     }
-    lastFolder_ = typed.absolutePath();
+    lastFolder_ = QFileInfo(target).absolutePath();
     emit materialStateChanged();
     return true;
 }
@@ -196,16 +216,13 @@ bool CMATView::maySetMaterialAside()
         return false;
     if (answer == QMessageBox::Discard)
         return true;
-    const QString path = QFileDialog::getSaveFileName(this, QStringLiteral("Save"), lastFolder_,
-                                                      QStringLiteral("ZELKO /MAT File(*.zmat)"));
+    const QString path = askSavePath(this, QStringLiteral("Save"), lastFolder_, kMaterialFilter, QStringLiteral("zmat"));
     return !path.isEmpty() && saveFile(path);
 }
 
 bool CMATView::exportLibrary(const QString& path)
 {
-    const QFileInfo typed(path);
-    const QString target =
-        typed.absolutePath() + QLatin1Char('/') + typed.completeBaseName() + QStringLiteral(".z3dlib");
+    const QString target = withExtension(path, QStringLiteral(".z3dlib"));
     takeTitle();
     std::string error;
     bool wroteModelBlock = false;
@@ -231,30 +248,21 @@ void CMATView::chooseAndOpen()
 
 void CMATView::chooseAndSave()
 {
-    QFileDialog dialog(this, QStringLiteral("Save As"), lastFolder_, QStringLiteral("ZELKO /MAT File(*.zmat)"));
-    dialog.setAcceptMode(QFileDialog::AcceptSave);
-    dialog.setDefaultSuffix(QStringLiteral("zmat"));
-    if (dialog.exec() == QDialog::Accepted && !dialog.selectedFiles().isEmpty())
-        saveFile(dialog.selectedFiles().constFirst());
+    const QString path = askSavePath(this, QStringLiteral("Save As"), lastFolder_, kMaterialFilter, QStringLiteral("zmat"));
+    if (!path.isEmpty())
+        saveFile(path);
 }
 
 void CMATView::chooseAndExport()
 {
     // The installation's sample library is proposed when the installation is known.
-    QString proposed = lastFolder_;
-    const QString installation = qEnvironmentVariable("ZELKO_V24R02");
-    if (!installation.isEmpty()) {
-        QString folder = installation;
-        while (folder.endsWith(QLatin1Char('\\')) || folder.endsWith(QLatin1Char('/')))
-            folder.chop(1);
-        proposed = folder + QStringLiteral("/Library/Library_Material/sample.z3dlib");
-    }
-    QFileDialog dialog(this, QStringLiteral("To Library: Matrial"), proposed,
-                       QStringLiteral("Material Library Files(*.z3dlib)"));
-    dialog.setAcceptMode(QFileDialog::AcceptSave);
-    dialog.setDefaultSuffix(QStringLiteral("z3dlib"));
-    if (dialog.exec() == QDialog::Accepted && !dialog.selectedFiles().isEmpty())
-        exportLibrary(dialog.selectedFiles().constFirst());
+    const auto sample = proposedLibraryPath(document_.environment().installationFolder,
+                                            QDir::separator().toLatin1());
+    const QString proposed = sample ? QString::fromStdString(*sample) : lastFolder_;
+    const QString path = askSavePath(this, QStringLiteral("To Library: Matrial"), proposed,
+                                     QStringLiteral("Material Library Files(*.z3dlib)"), QStringLiteral("z3dlib"));
+    if (!path.isEmpty())
+        exportLibrary(path);
 }
 
 void CMATView::editElastic()
