@@ -86,12 +86,10 @@ QWidget* CHeatDlg::makeSide(int which, const QString& title, const QString& valu
     side.list->setHorizontalHeaderLabels({QStringLiteral("Temperature"), valueTitle});
     side.list->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
     side.list->horizontalHeader()->setSectionResizeMode(1, QHeaderView::ResizeToContents);
-    side.list->verticalHeader()->hide();
-    // Compact rows: the presets' eight points and a header fit without scrolling.
-    side.list->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 8);
-    side.list->setSelectionBehavior(QAbstractItemView::SelectRows);
+    const int rowHeight = zelko::ui::setUpPointList(side.list);
     side.list->setSelectionMode(QAbstractItemView::SingleSelection);
-    side.list->setMinimumSize(380, 10 * (fontMetrics().height() + 8));
+    // The presets' eight points and a header fit without scrolling.
+    side.list->setMinimumSize(380, 10 * rowHeight);
     side.temperature = new QLineEdit(group);
     side.value = new QLineEdit(group);
     side.temperature->setObjectName(QStringLiteral("temperature%1").arg(which));

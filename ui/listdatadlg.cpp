@@ -45,14 +45,12 @@ CDlgListData::CDlgListData(int property, PropertyTable table, const ChemicalComp
     list_->setColumnWidth(0, 60);
     list_->setColumnWidth(1, 120);
     list_->horizontalHeader()->setStretchLastSection(true);
-    list_->verticalHeader()->hide();
-    list_->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 8);
-    list_->setSelectionBehavior(QAbstractItemView::SelectRows);
+    const int rowHeight = zelko::ui::setUpPointList(list_);
     list_->setEditTriggers(QAbstractItemView::NoEditTriggers);
     list_->setShowGrid(true);
     // Room for the property's label in full beside the two narrow columns.
     list_->setMinimumSize(60 + 120 + fontMetrics().horizontalAdvance(propertyLabel(property_)) + 48,
-                          15 * (fontMetrics().height() + 8));
+                          15 * rowHeight);
 
     auto* top = new QHBoxLayout;
     top->addWidget(new QLabel(QStringLiteral("Method"), this));

@@ -2,6 +2,8 @@
 
 #include <QDialog>
 #include <QDialogButtonBox>
+#include <QHeaderView>
+#include <QTableWidget>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QWidget>
@@ -36,6 +38,15 @@ QDialogButtonBox* okCancelButtons(QDialog* dialog)
     QObject::connect(buttons, &QDialogButtonBox::accepted, dialog, &QDialog::accept);
     QObject::connect(buttons, &QDialogButtonBox::rejected, dialog, &QDialog::reject);
     return buttons;
+}
+
+int setUpPointList(QTableWidget* list)
+{
+    const int rowHeight = list->fontMetrics().height() + 8;
+    list->verticalHeader()->hide();
+    list->verticalHeader()->setDefaultSectionSize(rowHeight);
+    list->setSelectionBehavior(QAbstractItemView::SelectRows);
+    return rowHeight;
 }
 
 void refuseField(QWidget* parent, QWidget* field)

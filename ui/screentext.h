@@ -9,6 +9,7 @@
 
 class QDialog;
 class QDialogButtonBox;
+class QTableWidget;
 class QWidget;
 
 namespace zelko::ui {
@@ -26,6 +27,10 @@ QString numberText(const char* format, double value);
 // OK and Cancel with fixed captions (a desktop theme's "&OK" would miss the
 // translation files), neither taking Enter, wired to accept and reject.
 QDialogButtonBox* okCancelButtons(QDialog* dialog);
+
+// A table of points: compact rows selected whole, no row header; returns the
+// height of one row, so a screen can size the list to show a number of them.
+int setUpPointList(QTableWidget* list);
 
 // The message the screens give when a typed field is not a number; focuses it.
 void refuseField(QWidget* parent, QWidget* field);
