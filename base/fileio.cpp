@@ -111,12 +111,16 @@ bool writeTemporary(const fs::path& temporary, const fs::path& target, std::stri
     // read the new bytes; a new file gets what the umask allows.
     struct stat previous {};
     const bool replacing = ::stat(target.c_str(), &previous) == 0 && S_ISREG(previous.st_mode);
+    // Named before it exists: a signal the moment the file appears must find it listed.
+    registration = registerTemporaryFile(temporary);
     const int fd = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, replacing ? 0600 : 0666);
     if (fd < 0) {
-        error = errno == ENAMETOOLONG ? kNameTooLong : kCannotCreate;
+        const int reason = errno;
+        releaseTemporaryFile(registration);
+        registration = -1;
+        error = reason == ENAMETOOLONG ? kNameTooLong : kCannotCreate;
         return false;
     }
-    registration = registerTemporaryFile(temporary);
     bool written = true;
     for (std::size_t done = 0; written && done < bytes.size();) {
         const ssize_t n = ::write(fd, bytes.data() + done, bytes.size() - done);
