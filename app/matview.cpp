@@ -20,6 +20,7 @@
 #include "ui/elasticdlg.h"
 #include "ui/heatdlg.h"
 #include "ui/listdatadlg.h"
+#include "ui/plasticroomdlg.h"
 #include "ui/screentext.h"
 
 using namespace zelko;
@@ -326,11 +327,19 @@ void CMATView::editPlastic()
         QMessageBox::warning(this, kCaption, QStringLiteral("Failed to cast a pointer!!!"));
         return;
     }
-    QMessageBox::information(
-        this, kCaption,
-        plasticKind_ == 0
-            ? QStringLiteral("The tensile test screen is not in this version yet. Fit a cold law with "
-                             "zelko-mat-cli fit-cold; the material it writes opens here.")
-            : QStringLiteral("The hot compression test screen is not in this version yet. Fit hot curves with "
-                             "zelko-mat-cli fit-hot; the material it writes opens here."));
+    if (plasticKind_ == 0) {
+        // The screen works on the material with the record the button made.
+        Project material = document_.copy();
+        if (!material.activeModel)
+            material.setModel(model);
+        CPlasticRoomDlg tensile(material, document_.environment(), this);
+        if (tensile.exec() == QDialog::Accepted && tensile.materialChanged()) {
+            document_.commit(Project(tensile.material()));
+            emit materialStateChanged();
+        }
+        return;
+    }
+    QMessageBox::information(this, kCaption,
+                             QStringLiteral("The hot compression test screen is not in this version yet. Fit hot "
+                                            "curves with zelko-mat-cli fit-hot; the material it writes opens here."));
 }

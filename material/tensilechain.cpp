@@ -80,7 +80,7 @@ TensileFit fitRecord(const Project& material, std::shared_ptr<RoomOri> record, C
 {
     record->startIndex = settings.startIndex.value_or(record->startIndex);
     record->neckingIndex = settings.neckingIndex.value_or(maximumStressIndex(record->curves[EngineeringCurve]));
-    record->endIndex = static_cast<int>(record->inputCurve().size()) - 1;
+    record->endIndex = settings.endIndex.value_or(static_cast<int>(record->inputCurve().size()) - 1);
     record->maxIterations = settings.maxIterations.value_or(record->maxIterations);
     record->targetError = settings.targetError.value_or(record->targetError);
     record->neckingConstraint = settings.neckingConstraint;

@@ -48,6 +48,7 @@ int maximumStressIndex(const Curve& curve);
 struct TensileFitSettings {
     std::optional<int> startIndex;
     std::optional<int> neckingIndex;  // the maximum engineering stress when empty
+    std::optional<int> endIndex;      // the last point when empty
     std::optional<int> maxIterations;
     std::optional<double> targetError;
     bool neckingConstraint = false;
