@@ -19,6 +19,7 @@
 #include "ui/chemicalcompositiondlg.h"
 #include "ui/elasticdlg.h"
 #include "ui/heatdlg.h"
+#include "ui/hotcompdlg.h"
 #include "ui/listdatadlg.h"
 #include "ui/plasticroomdlg.h"
 #include "ui/screentext.h"
@@ -327,19 +328,22 @@ void CMATView::editPlastic()
         QMessageBox::warning(this, kCaption, QStringLiteral("Failed to cast a pointer!!!"));
         return;
     }
+    // The screen works on the material with the record the button made.
+    Project material = document_.copy();
+    if (!material.activeModel)
+        material.setModel(model);
+    std::optional<Project> edited;
     if (plasticKind_ == 0) {
-        // The screen works on the material with the record the button made.
-        Project material = document_.copy();
-        if (!material.activeModel)
-            material.setModel(model);
         CPlasticRoomDlg tensile(material, document_.environment(), this);
-        if (tensile.exec() == QDialog::Accepted && tensile.materialChanged()) {
-            document_.commit(Project(tensile.material()));
-            emit materialStateChanged();
-        }
-        return;
+        if (tensile.exec() == QDialog::Accepted && tensile.materialChanged())
+            edited = tensile.material();
+    } else {
+        CHotCompDlg hot(material, document_.environment(), this);
+        if (hot.exec() == QDialog::Accepted)
+            edited = hot.material();
     }
-    QMessageBox::information(this, kCaption,
-                             QStringLiteral("The hot compression test screen is not in this version yet. Fit hot "
-                                            "curves with zelko-mat-cli fit-hot; the material it writes opens here."));
+    if (edited) {
+        document_.commit(std::move(*edited));
+        emit materialStateChanged();
+    }
 }

@@ -106,6 +106,9 @@ CPlasticRoomDlg::CPlasticRoomDlg(const Project& material, const Environment& env
     else
         showPointHeaders();
     translateWindow(this, QStringLiteral("PlasticRoom"));
+    // A list box holds data for the translator, so its law names are done here.
+    for (int row = 0; row < laws_->count(); ++row)
+        laws_->item(row)->setText(translateText(laws_->item(row)->text()));
     resize(1180, 680);
 }
 
@@ -453,13 +456,13 @@ void CPlasticRoomDlg::showPlacedPoint()
     switch (which) {
     case PlacedPoint::Fracture:
         pointLabel_->setText(numberText(entered_->inputKind == TrueCurve ? "%g" : "%f", value)
-                                 .prepend(translateText(QStringLiteral("Fracture: "))));
+                                 .prepend(translateText(QStringLiteral("Fracture")) + QStringLiteral(": ")));
         break;
     case PlacedPoint::Necking:
-        pointLabel_->setText(numberText("%g", value).prepend(translateText(QStringLiteral("Necking: "))));
+        pointLabel_->setText(numberText("%g", value).prepend(translateText(QStringLiteral("Necking")) + QStringLiteral(": ")));
         break;
     case PlacedPoint::Last:
-        pointLabel_->setText(numberText("%g", value).prepend(translateText(QStringLiteral("Last point: "))));
+        pointLabel_->setText(numberText("%g", value).prepend(translateText(QStringLiteral("Last point")) + QStringLiteral(": ")));
         break;
     }
 }

@@ -29,12 +29,15 @@
 #include "material/document.h"
 #include "material/tensilechain.h"
 #include "modalanswer.h"
+#include "screenfiles.h"
 #include "ui/listctrlext.h"
 #include "ui/plasticroomadvdlg.h"
 #include "ui/plasticroomdlg.h"
 
 using namespace zelko;
+using zelko::test::fileBytes;
 using zelko::test::pressOk;
+using zelko::test::testEnvironment;
 using zelko::test::whenModalOpens;
 
 namespace {
@@ -42,12 +45,6 @@ namespace {
 const QString kTensile1045 = QStringLiteral(ZELKO_TEST_DATA "/measured/tensile-steel-1045.csv");
 const QString kTensile4130 = QStringLiteral(ZELKO_TEST_DATA "/measured/tensile-steel-4130.csv");
 
-std::string fileBytes(const QString& path)
-{
-    std::string error;
-    auto bytes = readFileBytes(std::filesystem::path(path.toStdU16String()), error);
-    return bytes ? *bytes : std::string();
-}
 
 // Types into a field as the keyboard does, so the screen hears of the edit.
 void typeInto(QWidget* dialog, const char* name, const QString& text)
@@ -79,14 +76,6 @@ QString fitAndRead(CPlasticRoomDlg& dialog, int position)
     return text;
 }
 
-// The exchange folder and the solver of a test, never the user's.
-Environment testEnvironment()
-{
-    Environment environment;
-    environment.exchangeFolder = std::filesystem::path(qgetenv("ZELKO_TEMP").toStdString());
-    environment.tensileSolver = "/bin/true";
-    return environment;
-}
 
 // The engine's answer for the same test, the way fit-cold gets it.
 TensileFit engineFit(const QString& curvePath, ColdLawId law, const TensileFitSettings& settings = {})

@@ -1,0 +1,31 @@
+#pragma once
+// Files of the screen tests: bytes read back, and the folders a test's screens
+// use instead of the user's (the exchange folder comes from $ZELKO_TEMP, set by
+// the test before any screen reads it).
+
+#include <QByteArray>
+#include <QString>
+
+#include <string>
+
+#include "base/environment.h"
+#include "base/fileio.h"
+
+namespace zelko::test {
+
+inline std::string fileBytes(const QString& path)
+{
+    std::string error;
+    auto bytes = readFileBytes(std::filesystem::path(path.toStdU16String()), error);
+    return bytes ? *bytes : std::string();
+}
+
+inline Environment testEnvironment()
+{
+    Environment environment;
+    environment.exchangeFolder = std::filesystem::path(qgetenv("ZELKO_TEMP").toStdString());
+    environment.tensileSolver = "/bin/true";
+    return environment;
+}
+
+}  // namespace zelko::test
