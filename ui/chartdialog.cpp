@@ -91,6 +91,7 @@ CChartDialog::CChartDialog(QWidget* parent)
     body_ = new QHBoxLayout;
     body_->addWidget(chart_, 1);
     auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
     layout->setMenuBar(menuBar_);
     layout->addLayout(body_);
     resize(800, 600);

@@ -1,5 +1,7 @@
 #include "ui/chartstyles.h"
 
+#include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <initializer_list>
 
@@ -141,6 +143,31 @@ QList<QColor> paletteByResource(const QString& resourceName)
         return colours;
     }
     return {};
+}
+
+double contrastRatio(const QColor& a, const QColor& b)
+{
+    const auto luminance = [](const QColor& colour) {
+        const auto channel = [](double c) { return c <= 0.03928 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4); };
+        return 0.2126 * channel(colour.redF()) + 0.7152 * channel(colour.greenF()) + 0.0722 * channel(colour.blueF());
+    };
+    const double la = luminance(a);
+    const double lb = luminance(b);
+    return (std::max(la, lb) + 0.05) / (std::min(la, lb) + 0.05);
+}
+
+QColor readableOn(const QColor& colour, const QColor& plotArea)
+{
+    constexpr float kStep = 0.02f;
+    const bool darken = plotArea.lightnessF() >= 0.5f;
+    float hue = 0, saturation = 0, lightness = 0, alpha = 0;
+    colour.getHslF(&hue, &saturation, &lightness, &alpha);
+    QColor readable = colour;
+    while (contrastRatio(readable, plotArea) < kReadableLineContrast && (darken ? lightness > 0.0f : lightness < 1.0f)) {
+        lightness = std::clamp(lightness + (darken ? -kStep : kStep), 0.0f, 1.0f);
+        readable = QColor::fromHslF(hue, saturation, lightness, alpha).toRgb();
+    }
+    return readable;
 }
 
 std::vector<QColor> randomColourTable()

@@ -45,6 +45,15 @@ std::optional<ChartAppearance> appearanceByResource(const QString& resourceName)
 // The curve colours a resource name stands for (8 to 12); empty for an unknown name.
 QList<QColor> paletteByResource(const QString& resourceName);
 
+// Lines below this contrast with the plot area are hard to follow (WCAG's
+// level for graphics).
+inline constexpr double kReadableLineContrast = 3.0;
+// WCAG's contrast ratio of two colours, 1 to 21.
+double contrastRatio(const QColor& a, const QColor& b);
+// The colour with its hue and saturation, made darker on a light plot area or
+// lighter on a dark one until its lines stand out; unchanged when they do.
+QColor readableOn(const QColor& colour, const QColor& plotArea);
+
 // 300 colours, red, green and blue each the C runtime's rand() % 256 in that
 // order; the generator is not seeded here.
 inline constexpr int kRandomColourCount = 300;

@@ -28,7 +28,7 @@ namespace {
 
 // A measured curve with more points than this is a line; markers would merge.
 constexpr int kMostMarkedPoints = 100;
-constexpr double kMeasuredPenWidth = 1.2;
+constexpr double kMeasuredPenWidth = 1.5;
 constexpr double kModelPenWidth = 2.4;
 constexpr qreal kMarkerSize = 5.0;
 // One notch of the wheel zooms by this factor.
@@ -253,6 +253,7 @@ void ChartView::colourSeries()
             colour = extraColours_[static_cast<std::size_t>(slot - own) % extraColours_.size()];
         else
             colour = paletteColours_.at(slot % own);
+        colour = readableOn(colour, chart()->plotAreaBackgroundBrush().color());
         QXYSeries* drawn = drawnSeries(i);
         const bool measured = series.role == SeriesRole::Measured;
         drawn->setPen(QPen(colour, measured ? kMeasuredPenWidth : kModelPenWidth, Qt::SolidLine, Qt::RoundCap,
@@ -343,6 +344,7 @@ bool ChartView::setAppearance(const QString& name)
     setBackgroundBrush(look->background);
     styleAxis(xAxis_);
     styleAxis(yAxis_);
+    colourSeries();
     readout_->setStyleSheet(QStringLiteral("QLabel { color: %1; background: %2; border: 1px solid %3; }")
                                 .arg(look->text.name(), look->plotArea.name(), look->grid.name()));
     update();

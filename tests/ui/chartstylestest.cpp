@@ -11,22 +11,10 @@ using namespace zelko::ui;
 
 namespace {
 
-// WCAG's relative luminance, to judge text against its background.
-double luminance(const QColor& colour)
-{
-    const auto channel = [](double c) { return c <= 0.03928 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4); };
-    return 0.2126 * channel(colour.redF()) + 0.7152 * channel(colour.greenF()) + 0.0722 * channel(colour.blueF());
-}
-
-double contrast(const QColor& a, const QColor& b)
-{
-    const double la = luminance(a);
-    const double lb = luminance(b);
-    return (std::max(la, lb) + 0.05) / (std::min(la, lb) + 0.05);
-}
-
 // Text below this contrast is hard to read (WCAG's level for normal text).
 constexpr double kReadableContrast = 4.5;
+
+double contrast(const QColor& a, const QColor& b) { return contrastRatio(a, b); }
 
 }  // namespace
 
@@ -41,6 +29,8 @@ private slots:
     void everyNameHasItsColours();
     void palettesLookLikeTheirNames();
     void appearancesKeepTextReadable();
+    void contrastOfKnownPairs();
+    void linesAreMadeReadableKeepingTheirHue();
     void randomTableTakesRedGreenBlueInTurn();
 };
 
@@ -146,6 +136,36 @@ void ChartStylesTest::appearancesKeepTextReadable()
     QVERIFY(nature.background.lightness() > 200 && nature.background.red() > nature.background.blue());  // light, warm
     QCOMPARE(gray.background.hsvSaturation(), 0);
     QVERIFY(black.background.lightness() < 50 && black.text.lightness() > 200);
+}
+
+void ChartStylesTest::contrastOfKnownPairs()
+{
+    QCOMPARE(contrastRatio(Qt::black, Qt::white), 21.0);
+    QCOMPARE(contrastRatio(Qt::white, Qt::black), 21.0);
+    QCOMPARE(contrastRatio(QColor(0x336699), QColor(0x336699)), 1.0);
+    // mid grey on white: WCAG's worked figure
+    QVERIFY(std::abs(contrastRatio(QColor(0x777777), Qt::white) - 4.48) < 0.01);
+}
+
+void ChartStylesTest::linesAreMadeReadableKeepingTheirHue()
+{
+    for (const QString& appearance : appearanceNames()) {
+        const QColor plot = appearanceByResource(appearanceResourceName(appearance))->plotArea;
+        for (const QString& palette : paletteNames()) {
+            for (const QColor& colour : paletteByResource(paletteResourceName(palette))) {
+                const QColor line = readableOn(colour, plot);
+                const QString what = appearance + '/' + palette + ' ' + colour.name() + " -> " + line.name();
+                QVERIFY2(contrastRatio(line, plot) >= kReadableLineContrast, qPrintable(what));
+                if (contrastRatio(colour, plot) >= kReadableLineContrast)
+                    QVERIFY2(line == colour, qPrintable(what));  // readable colours stay as they are
+                else if (colour.hslSaturation() > 40)
+                    QVERIFY2(std::abs(line.hslHue() - colour.hslHue()) <= 4, qPrintable(what));
+            }
+        }
+    }
+    // darker on light, lighter on dark
+    QVERIFY(readableOn(QColor(0xFFF1A8), Qt::white).lightness() < QColor(0xFFF1A8).lightness());
+    QVERIFY(readableOn(QColor(0x3D3B6E), Qt::black).lightness() > QColor(0x3D3B6E).lightness());
 }
 
 void ChartStylesTest::randomTableTakesRedGreenBlueInTurn()

@@ -130,7 +130,10 @@ void ChartViewTest::rolesAreDrawnApart()
 void ChartViewTest::sharedNamesShareAColour()
 {
     view_->setPalette("Office");
-    const QList<QColor> office = paletteByResource("CHART_PALETTE_OFFICE");
+    const QColor plot = view_->chart()->plotAreaBackgroundBrush().color();
+    QList<QColor> office;
+    for (const QColor& colour : paletteByResource("CHART_PALETTE_OFFICE"))
+        office.append(readableOn(colour, plot));
     view_->addSeries("T:1000, R:0.1", line(5, 1.0), SeriesRole::Measured);
     view_->addSeries("T:1000, R:0.1", line(5, 1.1), SeriesRole::Model);
     view_->addSeries("T:1100, R:0.1", line(5, 0.9), SeriesRole::Measured);
@@ -145,18 +148,19 @@ void ChartViewTest::paletteChangeRecoloursAtOnce()
 {
     view_->addSeries("a", line(5, 1.0), SeriesRole::Measured);
     view_->addSeries("b", line(5, 2.0), SeriesRole::Model);
+    const QColor plot = view_->chart()->plotAreaBackgroundBrush().color();
     for (const QString& name : paletteNames()) {
         QVERIFY(view_->setPalette(name));
         QCOMPARE(view_->palette(), name);
         const QList<QColor> colours = paletteByResource(paletteResourceName(name));
-        QCOMPARE(view_->drawnSeries(0)->pen().color(), colours.at(0));
-        QCOMPARE(view_->drawnSeries(0)->brush().color(), colours.at(0));
-        QCOMPARE(view_->drawnSeries(1)->pen().color(), colours.at(1));
+        QCOMPARE(view_->drawnSeries(0)->pen().color(), readableOn(colours.at(0), plot));
+        QCOMPARE(view_->drawnSeries(0)->brush().color(), readableOn(colours.at(0), plot));
+        QCOMPARE(view_->drawnSeries(1)->pen().color(), readableOn(colours.at(1), plot));
     }
     // a series added later takes the current palette too
     view_->setPalette("Fire");
     view_->addSeries("c", line(5, 3.0), SeriesRole::Model);
-    QCOMPARE(view_->drawnSeries(2)->color(), paletteByResource("CHART_PALETTE_FIRE").at(2));
+    QCOMPARE(view_->drawnSeries(2)->color(), readableOn(paletteByResource("CHART_PALETTE_FIRE").at(2), plot));
 }
 
 void ChartViewTest::appearanceChangeRestylesAtOnce()
@@ -177,6 +181,15 @@ void ChartViewTest::appearanceChangeRestylesAtOnce()
             QCOMPARE(axis->linePenColor(), look.axis);
         }
     }
+    // the curves follow: a dark palette colour turns light on the dark plot area
+    view_->setPalette("Victorian");
+    const QColor dark = paletteByResource("CHART_PALETTE_VICTORIAN").at(0);
+    view_->setAppearance("Nature");
+    QCOMPARE(view_->drawnSeries(0)->color(), dark);
+    view_->setAppearance("Black");
+    QVERIFY(view_->drawnSeries(0)->color().lightness() > dark.lightness());
+    QVERIFY(contrastRatio(view_->drawnSeries(0)->color(), view_->chart()->plotAreaBackgroundBrush().color())
+            >= kReadableLineContrast);
     // the logarithmic axis that replaces the X axis is styled as well
     view_->setAppearance("Black");
     view_->setLogarithmicX(true);
@@ -203,7 +216,8 @@ void ChartViewTest::extraColoursFollowThePalette()
     view_->setExtraColours(extra);
     for (int i = 0; i < own.size() + 3; ++i)
         view_->addSeries(QString::number(i), line(3, i), SeriesRole::Model);
-    QCOMPARE(view_->drawnSeries(int(own.size()) - 1)->color(), own.constLast());
+    const QColor plot = view_->chart()->plotAreaBackgroundBrush().color();
+    QCOMPARE(view_->drawnSeries(int(own.size()) - 1)->color(), readableOn(own.constLast(), plot));
     QCOMPARE(view_->drawnSeries(int(own.size()))->color(), extra[0]);
     QCOMPARE(view_->drawnSeries(int(own.size()) + 1)->color(), extra[1]);
     QCOMPARE(view_->drawnSeries(int(own.size()) + 2)->color(), extra[0]);  // and round again
@@ -364,7 +378,7 @@ void ChartViewTest::grabbedImageHasTheAskedSize()
     bool found = false;
     for (int y = 0; y < image.height() && !found; ++y)
         for (int x = 0; x < image.width() && !found; ++x)
-            found = image.pixelColor(x, y) == curve;
+            found = image.pixel(x, y) == curve.rgb();
     QVERIFY(found);
 }
 
