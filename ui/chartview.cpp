@@ -7,6 +7,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLegend>
+#include <QLegendMarker>
 #include <QLineSeries>
 #include <QLogValueAxis>
 #include <QMenu>
@@ -31,6 +32,8 @@ constexpr int kMostMarkedPoints = 100;
 constexpr double kMeasuredPenWidth = 1.5;
 constexpr double kModelPenWidth = 2.4;
 constexpr qreal kMarkerSize = 5.0;
+// More legend entries than this do not fit in one row below the plot.
+constexpr qsizetype kLegendEntriesBelow = 4;
 // One notch of the wheel zooms by this factor.
 constexpr double kWheelZoom = 1.25;
 // About this many intervals between the ticks of an axis.
@@ -205,6 +208,7 @@ void ChartView::replaceXAxis()
 {
     const QString title = xAxis_->titleText();
     const QFont titleFont = xAxis_->titleFont();
+    xAxis_->hide();
     chart()->removeAxis(xAxis_);
     xAxis_->deleteLater();
     if (logX_) {
@@ -241,7 +245,8 @@ void ChartView::colourSeries()
     for (int i = 0; i < seriesCount(); ++i) {
         const ChartSeries& series = seriesData(i);
         qsizetype slot = names.indexOf(series.name);
-        if (slot < 0) {
+        const bool first = slot < 0;
+        if (first) {
             slot = names.size();
             names.append(series.name);
         }
@@ -261,7 +266,12 @@ void ChartView::colourSeries()
         drawn->setBrush(colour);
         drawn->setPointsVisible(measured && series.points.size() <= kMostMarkedPoints);
         drawn->setMarkerSize(kMarkerSize);
+        // One legend entry per name: a model drawn over its measured curve adds none.
+        for (QLegendMarker* marker : chart()->legend()->markers(drawn))
+            marker->setVisible(first);
     }
+    // A long legend goes beside the plot, where its names need not be cut.
+    chart()->legend()->setAlignment(names.size() > kLegendEntriesBelow ? Qt::AlignRight : Qt::AlignBottom);
 }
 
 void ChartView::setXRange(double min, double max)
@@ -323,6 +333,8 @@ void ChartView::showHome()
 {
     setRangeOf(xAxis_, homeX());
     setRangeOf(yAxis_, homeY());
+    // What it read is no longer under the pointer.
+    readout_->hide();
 }
 
 void ChartView::resetZoom() { showHome(); }
@@ -472,6 +484,7 @@ void ChartView::wheelEvent(QWheelEvent* event)
         return;
     }
     zoomAt(std::pow(kWheelZoom, notches / 120.0), event->position());
+    showReadout(event->position());
     event->accept();
 }
 

@@ -6,7 +6,9 @@
 #include <QAction>
 #include <QChart>
 #include <QLabel>
+#include <QLogValueAxis>
 #include <QLegend>
+#include <QLegendMarker>
 #include <QXYSeries>
 
 #include <cmath>
@@ -55,6 +57,7 @@ private slots:
     void readoutShowsTheValueUnderThePointer();
     void grabbedImageHasTheAskedSize();
     void legendSwitches();
+    void legendNamesEachCurveOnce();
 
 private:
     void showView();
@@ -252,6 +255,7 @@ void ChartViewTest::automaticAndFixedRanges()
 
 void ChartViewTest::logarithmicAxisLeavesOutNonPositiveX()
 {
+    showView();
     const QList<QPointF> rates{{0.0, 50.0}, {0.001, 60.0}, {0.1, 90.0}, {5.0, 140.0}};
     view_->addSeries("T:1100, E:0.3", rates, SeriesRole::Measured);
     view_->setLogarithmicX(true);
@@ -261,10 +265,20 @@ void ChartViewTest::logarithmicAxisLeavesOutNonPositiveX()
     // whole decades around the positive values; the left-out point sets no range
     QCOMPARE(view_->xRange(), (AxisRange{0.001, 10.0}));
     QVERIFY(view_->yRange().min <= 60.0 && view_->yRange().min > 0.0);
-    // the series is drawn against the new axis
+    // the series is drawn against the new axis, the only one along X
+    QCOMPARE(view_->chart()->axes(Qt::Horizontal).size(), 1);
+    QVERIFY(qobject_cast<QLogValueAxis*>(view_->chart()->axes(Qt::Horizontal).constFirst()));
     QCOMPARE(view_->drawnSeries(0)->attachedAxes().size(), 2);
     QVERIFY(view_->drawnSeries(0)->attachedAxes().contains(view_->chart()->axes(Qt::Horizontal).constFirst()));
+    // and nothing of the linear axis is left in the picture: no tick label below 0.001
+    QCoreApplication::processEvents();
+    const auto texts = view_->scene()->items();
+    for (QGraphicsItem* item : texts)
+        if (auto* text = dynamic_cast<QGraphicsTextItem*>(item); text && text->isVisible())
+            QVERIFY2(text->toPlainText() != QLatin1String("0.5") && text->toPlainText() != QLatin1String("2"),
+                     qPrintable(text->toPlainText()));
     view_->setLogarithmicX(false);
+    QCOMPARE(view_->chart()->axes(Qt::Horizontal).size(), 1);
     QCOMPARE(view_->drawnSeries(0)->points(), rates);
     QCOMPARE(view_->xRange().min, 0.0);
 }
@@ -354,6 +368,14 @@ void ChartViewTest::readoutShowsTheValueUnderThePointer()
     move(inPlot(0.5, 0.5));
     const auto value = view_->valueAt(inPlot(0.5, 0.5));
     QVERIFY(value && near(std::log10(value->x()), 0.0, 4.0));
+    // a reset moves the values away from under the pointer: the readout goes
+    QVERIFY(!view_->readout().isEmpty());
+    QTest::keyClick(view_.get(), Qt::Key_Home);
+    QCOMPARE(view_->readout(), QString());
+    // the wheel reads the new value at once
+    sendWheel(inPlot(0.5, 0.5), 120);
+    QCOMPARE(view_->readout(), QString::asprintf("x = %g, y = %g", view_->valueAt(inPlot(0.5, 0.5))->x(),
+                                                 view_->valueAt(inPlot(0.5, 0.5))->y()));
     // outside the plot area the readout hides
     move(QPoint(1, 1));
     QCOMPARE(view_->readout(), QString());
@@ -389,6 +411,34 @@ void ChartViewTest::legendSwitches()
     QVERIFY(!view_->chart()->legend()->isVisible());
     view_->setLegendVisible(true);
     QVERIFY(view_->legendVisible());
+}
+
+void ChartViewTest::legendNamesEachCurveOnce()
+{
+    const auto shownNames = [this] {
+        QStringList names;
+        for (QLegendMarker* marker : view_->chart()->legend()->markers())
+            if (marker->isVisible())
+                names << marker->label();
+        return names;
+    };
+    view_->addSeries("Engineering", line(5, 1.0), SeriesRole::Measured);
+    view_->addSeries("Swift", line(5, 1.1), SeriesRole::Model);
+    showView();
+    QCOMPARE(shownNames(), (QStringList{"Engineering", "Swift"}));
+    QCOMPARE(view_->chart()->legend()->alignment(), Qt::AlignBottom);
+    // a measured curve and its model: one entry
+    view_->clearSeries();
+    for (int t = 0; t < 5; ++t) {
+        const QString name = QString::asprintf("T:%g, R:%g", 1050.0 + 50 * t, 0.1);
+        view_->addSeries(name, line(5, t), SeriesRole::Measured);
+        view_->addSeries(name, line(5, t + 0.5), SeriesRole::Model);
+    }
+    QCoreApplication::processEvents();
+    QCOMPARE(shownNames().size(), 5);
+    QCOMPARE(shownNames().constFirst(), QStringLiteral("T:1050, R:0.1"));
+    // five names do not fit below the plot
+    QCOMPARE(view_->chart()->legend()->alignment(), Qt::AlignRight);
 }
 
 QTEST_MAIN(ChartViewTest)
