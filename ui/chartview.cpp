@@ -66,6 +66,8 @@ AxisRange roundRange(double low, double high)
     return {std::floor(low / step) * step, std::ceil(high / step) * step};
 }
 
+constexpr double kDecadeMargin = 1e-9;
+
 // Whole decades around the positive extent.
 AxisRange decadeRange(double low, double high)
 {
@@ -74,6 +76,9 @@ AxisRange decadeRange(double low, double high)
     AxisRange range{std::pow(10.0, std::floor(std::log10(low))), std::pow(10.0, std::ceil(std::log10(high)))};
     if (range.max <= range.min)
         range.max = range.min * 10.0;
+    // The axis labels a decade only inside its range; a hair wider keeps both ends labelled.
+    range.min *= 1.0 - kDecadeMargin;
+    range.max *= 1.0 + kDecadeMargin;
     return range;
 }
 

@@ -263,7 +263,9 @@ void ChartViewTest::logarithmicAxisLeavesOutNonPositiveX()
     QCOMPARE(view_->drawnSeries(0)->points(), rates.mid(1));
     QCOMPARE(view_->seriesData(0).points, rates);
     // whole decades around the positive values; the left-out point sets no range
-    QCOMPARE(view_->xRange(), (AxisRange{0.001, 10.0}));
+    // (a hair wider, so the end decades keep their labels)
+    QVERIFY(near(view_->xRange().min, 0.001, 1e-4) && view_->xRange().min <= 0.001);
+    QVERIFY(near(view_->xRange().max, 10.0, 1e-4) && view_->xRange().max >= 10.0);
     QVERIFY(view_->yRange().min <= 60.0 && view_->yRange().min > 0.0);
     // the series is drawn against the new axis, the only one along X
     QCOMPARE(view_->chart()->axes(Qt::Horizontal).size(), 1);
