@@ -239,7 +239,7 @@ void ChartView::fillSeries(int index)
     const ChartSeries& series = seriesData(index);
     shown.reserve(series.points.size());
     for (const QPointF& p : series.points)
-        if (finite(p) && (!logX_ || p.x() > 0.0))
+        if (this->shown(p))
             shown.append(p);
     drawnSeries(index)->replace(shown);
 }
@@ -302,36 +302,38 @@ AxisRange ChartView::xRange() const { return rangeOf(xAxis_); }
 
 AxisRange ChartView::yRange() const { return rangeOf(yAxis_); }
 
+bool ChartView::shown(QPointF p) const { return finite(p) && (!logX_ || p.x() > 0.0); }
+
+// The extent of the points drawn along X or Y; low > high when none is.
+AxisRange ChartView::extent(bool alongX) const
+{
+    AxisRange range{std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity()};
+    for (const ChartSeries& series : data_)
+        for (QPointF p : series.points)
+            if (shown(p)) {
+                const double value = alongX ? p.x() : p.y();
+                range.min = std::min(range.min, value);
+                range.max = std::max(range.max, value);
+            }
+    return range;
+}
+
 AxisRange ChartView::homeX() const
 {
     if (fixedX_)
         return *fixedX_;
-    double low = std::numeric_limits<double>::infinity();
-    double high = -low;
-    for (const ChartSeries& series : data_)
-        for (const QPointF& p : series.points)
-            if (finite(p) && (!logX_ || p.x() > 0.0)) {
-                low = std::min(low, p.x());
-                high = std::max(high, p.x());
-            }
+    const AxisRange data = extent(true);
     if (logX_)
-        return decadeRange(low, high);
-    return low <= high ? roundRange(low, high) : AxisRange{};
+        return decadeRange(data.min, data.max);
+    return data.min <= data.max ? roundRange(data.min, data.max) : AxisRange{};
 }
 
 AxisRange ChartView::homeY() const
 {
     if (fixedY_)
         return *fixedY_;
-    double low = std::numeric_limits<double>::infinity();
-    double high = -low;
-    for (const ChartSeries& series : data_)
-        for (const QPointF& p : series.points)
-            if (finite(p) && (!logX_ || p.x() > 0.0)) {
-                low = std::min(low, p.y());
-                high = std::max(high, p.y());
-            }
-    return low <= high ? roundRange(low, high) : AxisRange{};
+    const AxisRange data = extent(false);
+    return data.min <= data.max ? roundRange(data.min, data.max) : AxisRange{};
 }
 
 void ChartView::showHome()

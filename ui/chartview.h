@@ -112,6 +112,9 @@ private:
     void fillSeries(int index);
     void colourSeries();
     void styleAxis(QAbstractAxis* axis);
+    // Whether a point can be drawn on the axes shown.
+    bool shown(QPointF p) const;
+    AxisRange extent(bool alongX) const;
     // The whole ranges: fixed, or from the data with round ends.
     AxisRange homeX() const;
     AxisRange homeY() const;
