@@ -142,13 +142,13 @@ void CChartDialog::buildMenu()
     legendAction_->setChecked(chart_->legendVisible());
     connect(legendAction_, &QAction::toggled, this, &CChartDialog::showLegend);
 
-    appearanceGroup_->actions().at(appearances_.indexOf(chart_->appearance()))->setChecked(true);
-    paletteGroup_->actions().at(palettes_.indexOf(chart_->palette()))->setChecked(true);
+    appearanceGroup_->actions().at(appearances_.indexOf(chart_->appearanceName()))->setChecked(true);
+    paletteGroup_->actions().at(palettes_.indexOf(chart_->paletteName()))->setChecked(true);
 }
 
 bool CChartDialog::applyAppearance(const QString& name)
 {
-    if (!chart_->setAppearance(name))
+    if (!chart_->setAppearanceName(name))
         return false;
     appearanceGroup_->actions().at(appearances_.indexOf(name))->setChecked(true);
     return true;
@@ -156,7 +156,7 @@ bool CChartDialog::applyAppearance(const QString& name)
 
 bool CChartDialog::applyPalette(const QString& name)
 {
-    if (!chart_->setPalette(name))
+    if (!chart_->setPaletteName(name))
         return false;
     paletteGroup_->actions().at(palettes_.indexOf(name))->setChecked(true);
     return true;

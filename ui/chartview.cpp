@@ -145,8 +145,8 @@ ChartView::ChartView(QWidget* parent) : QChartView(parent)
     readout_->hide();
     connect(theChart, &QChart::plotAreaChanged, this, [this] { placeReadout(); });
 
-    setAppearance(appearanceNames().constFirst());
-    setPalette(paletteNames().constFirst());
+    setAppearanceName(appearanceNames().constFirst());
+    setPaletteName(paletteNames().constFirst());
     showHome();
 }
 
@@ -346,7 +346,7 @@ void ChartView::showHome()
 
 void ChartView::resetZoom() { showHome(); }
 
-bool ChartView::setAppearance(const QString& name)
+bool ChartView::setAppearanceName(const QString& name)
 {
     if (!appearanceNames().contains(name))
         return false;
@@ -382,7 +382,7 @@ void ChartView::styleAxis(QAbstractAxis* axis)
     axis->setTitleBrush(look->text);
 }
 
-bool ChartView::setPalette(const QString& name)
+bool ChartView::setPaletteName(const QString& name)
 {
     if (!paletteNames().contains(name))
         return false;

@@ -73,10 +73,10 @@ public:
 
     // By the names of the lists (appearanceNames(), paletteNames()); false and
     // nothing changed for a name that is not there. Redrawn at once.
-    bool setAppearance(const QString& name);
-    bool setPalette(const QString& name);
-    QString appearance() const { return appearance_; }
-    QString palette() const { return palette_; }
+    bool setAppearanceName(const QString& name);
+    bool setPaletteName(const QString& name);
+    QString appearanceName() const { return appearance_; }
+    QString paletteName() const { return palette_; }
     // Colours for series beyond the palette's.
     void setExtraColours(std::vector<QColor> colours);
 

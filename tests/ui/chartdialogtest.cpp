@@ -192,11 +192,11 @@ void ChartDialogTest::galleriesApplyAndCheckTheirStyle()
     ChartView* chart = dialog.chartView();
     chart->addSeries("a", {{0, 0}, {1, 1}}, SeriesRole::Model);
     action(dialog, "palette:Fire")->trigger();
-    QCOMPARE(chart->palette(), QStringLiteral("Fire"));
+    QCOMPARE(chart->paletteName(), QStringLiteral("Fire"));
     QCOMPARE(chart->drawnSeries(0)->color(), paletteByResource("CHART_PALETTE_FIRE").at(0));
     QVERIFY(action(dialog, "palette:Fire")->isChecked());
     action(dialog, "appearance:Black")->trigger();
-    QCOMPARE(chart->appearance(), QStringLiteral("Black"));
+    QCOMPARE(chart->appearanceName(), QStringLiteral("Black"));
     QCOMPARE(chart->chart()->backgroundBrush().color(), appearanceByResource("CHART_APPEARANCE_BLACK")->background);
     // one checked item per gallery, following calls made in code as well
     QVERIFY(dialog.applyAppearance("Gray"));
@@ -216,8 +216,8 @@ void ChartDialogTest::tensileChartOpensInNatureWithTheLegend()
     makeTensile();
     QCOMPARE(dialog_->objectName(), QStringLiteral("CDIALOG_GRAPH_TENSILE"));
     ChartView* chart = dialog_->chartView();
-    QCOMPARE(chart->palette(), QStringLiteral("Nature"));
-    QCOMPARE(chart->appearance(), QStringLiteral("Nature"));
+    QCOMPARE(chart->paletteName(), QStringLiteral("Nature"));
+    QCOMPARE(chart->appearanceName(), QStringLiteral("Nature"));
     QVERIFY(chart->legendVisible());
     QVERIFY(action(*dialog_, "palette:Nature")->isChecked());
     QVERIFY(action(*dialog_, "appearance:Nature")->isChecked());
@@ -232,7 +232,7 @@ void ChartDialogTest::tensileChartOpensInNatureWithTheLegend()
     dialog_->setValues("Strain", "True stress [MPa]", {{"True", {{0, 0}, {0.1, 700}}, SeriesRole::Measured}});
     QCOMPARE(chart->seriesCount(), 1);
     QCOMPARE(chart->yTitle(), QStringLiteral("True stress [MPa]"));
-    QCOMPARE(chart->palette(), QStringLiteral("Blue"));
+    QCOMPARE(chart->paletteName(), QStringLiteral("Blue"));
 }
 
 void ChartDialogTest::translatedMenu()

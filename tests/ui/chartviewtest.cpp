@@ -132,7 +132,7 @@ void ChartViewTest::rolesAreDrawnApart()
 
 void ChartViewTest::sharedNamesShareAColour()
 {
-    view_->setPalette("Office");
+    view_->setPaletteName("Office");
     const QColor plot = view_->chart()->plotAreaBackgroundBrush().color();
     QList<QColor> office;
     for (const QColor& colour : paletteByResource("CHART_PALETTE_OFFICE"))
@@ -153,15 +153,15 @@ void ChartViewTest::paletteChangeRecoloursAtOnce()
     view_->addSeries("b", line(5, 2.0), SeriesRole::Model);
     const QColor plot = view_->chart()->plotAreaBackgroundBrush().color();
     for (const QString& name : paletteNames()) {
-        QVERIFY(view_->setPalette(name));
-        QCOMPARE(view_->palette(), name);
+        QVERIFY(view_->setPaletteName(name));
+        QCOMPARE(view_->paletteName(), name);
         const QList<QColor> colours = paletteByResource(paletteResourceName(name));
         QCOMPARE(view_->drawnSeries(0)->pen().color(), readableOn(colours.at(0), plot));
         QCOMPARE(view_->drawnSeries(0)->brush().color(), readableOn(colours.at(0), plot));
         QCOMPARE(view_->drawnSeries(1)->pen().color(), readableOn(colours.at(1), plot));
     }
     // a series added later takes the current palette too
-    view_->setPalette("Fire");
+    view_->setPaletteName("Fire");
     view_->addSeries("c", line(5, 3.0), SeriesRole::Model);
     QCOMPARE(view_->drawnSeries(2)->color(), readableOn(paletteByResource("CHART_PALETTE_FIRE").at(2), plot));
 }
@@ -170,8 +170,8 @@ void ChartViewTest::appearanceChangeRestylesAtOnce()
 {
     view_->addSeries("a", line(5, 1.0), SeriesRole::Measured);
     for (const QString& name : appearanceNames()) {
-        QVERIFY(view_->setAppearance(name));
-        QCOMPARE(view_->appearance(), name);
+        QVERIFY(view_->setAppearanceName(name));
+        QCOMPARE(view_->appearanceName(), name);
         const ChartAppearance look = *appearanceByResource(appearanceResourceName(name));
         QChart* chart = view_->chart();
         QCOMPARE(chart->backgroundBrush().color(), look.background);
@@ -185,16 +185,16 @@ void ChartViewTest::appearanceChangeRestylesAtOnce()
         }
     }
     // the curves follow: a dark palette colour turns light on the dark plot area
-    view_->setPalette("Victorian");
+    view_->setPaletteName("Victorian");
     const QColor dark = paletteByResource("CHART_PALETTE_VICTORIAN").at(0);
-    view_->setAppearance("Nature");
+    view_->setAppearanceName("Nature");
     QCOMPARE(view_->drawnSeries(0)->color(), dark);
-    view_->setAppearance("Black");
+    view_->setAppearanceName("Black");
     QVERIFY(view_->drawnSeries(0)->color().lightness() > dark.lightness());
     QVERIFY(contrastRatio(view_->drawnSeries(0)->color(), view_->chart()->plotAreaBackgroundBrush().color())
             >= kReadableLineContrast);
     // the logarithmic axis that replaces the X axis is styled as well
-    view_->setAppearance("Black");
+    view_->setAppearanceName("Black");
     view_->setLogarithmicX(true);
     for (QAbstractAxis* axis : view_->chart()->axes())
         QCOMPARE(axis->labelsColor(), appearanceByResource("CHART_APPEARANCE_BLACK")->text);
@@ -202,18 +202,18 @@ void ChartViewTest::appearanceChangeRestylesAtOnce()
 
 void ChartViewTest::unknownNamesChangeNothing()
 {
-    view_->setPalette("Blue");
-    view_->setAppearance("Gray");
-    QVERIFY(!view_->setPalette("Bleu"));
-    QVERIFY(!view_->setPalette("CHART_PALETTE_BLUE"));  // names, not resource names
-    QVERIFY(!view_->setAppearance("Pink"));
-    QCOMPARE(view_->palette(), QStringLiteral("Blue"));
-    QCOMPARE(view_->appearance(), QStringLiteral("Gray"));
+    view_->setPaletteName("Blue");
+    view_->setAppearanceName("Gray");
+    QVERIFY(!view_->setPaletteName("Bleu"));
+    QVERIFY(!view_->setPaletteName("CHART_PALETTE_BLUE"));  // names, not resource names
+    QVERIFY(!view_->setAppearanceName("Pink"));
+    QCOMPARE(view_->paletteName(), QStringLiteral("Blue"));
+    QCOMPARE(view_->appearanceName(), QStringLiteral("Gray"));
 }
 
 void ChartViewTest::extraColoursFollowThePalette()
 {
-    view_->setPalette("Primary Colors");
+    view_->setPaletteName("Primary Colors");
     const QList<QColor> own = paletteByResource("CHART_PALETTE_PRIMARYCOLORS");
     const std::vector<QColor> extra{QColor(1, 2, 3), QColor(4, 5, 6)};
     view_->setExtraColours(extra);
@@ -386,7 +386,7 @@ void ChartViewTest::readoutShowsTheValueUnderThePointer()
 void ChartViewTest::grabbedImageHasTheAskedSize()
 {
     view_->addSeries("curve", line(50, 10.0), SeriesRole::Model);
-    view_->setAppearance("Black");
+    view_->setAppearanceName("Black");
     showView();
     const QSize shown = view_->viewport()->size();
     for (const QSize size : {shown, QSize(300, 200), QSize(1200, 900)}) {
