@@ -4,7 +4,7 @@ set -euo pipefail
 
 packages=(cmake g++ make ninja-build pkg-config qt6-base-dev libqt6opengl6-dev qt6-charts-dev
           libjsoncpp-dev libgtest-dev libbenchmark-dev gnuplot-nox xvfb xauth fonts-dejavu-core
-          fonts-noto-cjk clang libclang-rt-14-dev libeigen3-dev locales)
+          fonts-noto-cjk libgif-dev clang libclang-rt-14-dev libeigen3-dev locales)
 
 missing=()
 for p in "${packages[@]}"; do
