@@ -91,7 +91,14 @@ AxisRange rangeOf(const QAbstractAxis* axis)
     return {};
 }
 
-void setRangeOf(QAbstractAxis* axis, AxisRange range) { axis->setRange(range.min, range.max); }
+void setRangeOf(QAbstractAxis* axis, AxisRange range)
+{
+    // The interval before the range: a wide range drawn at a narrow range's
+    // interval would lay out thousands of ticks (seconds) before the update.
+    if (auto* value = qobject_cast<QValueAxis*>(axis); value && range.max > range.min)
+        value->setTickInterval(roundStep((range.max - range.min) / kTickIntervals));
+    axis->setRange(range.min, range.max);
+}
 
 // Round ticks at any zoom: an interval of a round step, anchored at zero.
 QValueAxis* makeValueAxis(QObject* parent)

@@ -32,6 +32,8 @@
 #include "cold/tensilereduction.h"
 #include "material/tensilechain.h"
 #include "ui/backgroundrun.h"
+#include "ui/charttensiledlg.h"
+#include "ui/chartview.h"
 #include "ui/listctrlext.h"
 #include "ui/plastic8advanceddlg.h"
 #include "ui/plasticroomadvdlg.h"
@@ -109,6 +111,7 @@ CPlasticRoomDlg::CPlasticRoomDlg(const Project& material, const Environment& env
     // A list box holds data for the translator, so its law names are done here.
     for (int row = 0; row < laws_->count(); ++row)
         laws_->item(row)->setText(translateText(laws_->item(row)->text()));
+    chart_->setAxisTitles(translateText(QStringLiteral("Strain")), translateText(QStringLiteral("Stress [MPa]")));
     resize(1180, 680);
 }
 
@@ -199,10 +202,16 @@ QWidget* CPlasticRoomDlg::makeDataSide()
 QWidget* CPlasticRoomDlg::makeCurveSide()
 {
     auto* side = new QWidget(this);
-    chartArea_ = new QWidget(side);
-    chartArea_->setObjectName(QStringLiteral("chartArea"));
-    chartArea_->setMinimumSize(480, 360);
-    new QVBoxLayout(chartArea_);
+    chart_ = new zelko::ui::ChartView(side);
+    chart_->setObjectName(QStringLiteral("chart"));
+    chart_->setMinimumSize(480, 360);
+    chart_->setAxisTitles(QStringLiteral("Strain"), QStringLiteral("Stress [MPa]"));
+    chart_->setAppearanceName(QStringLiteral("Nature"));
+    chart_->setPaletteName(QStringLiteral("Nature"));
+    auto* chartButton = new QPushButton(QStringLiteral("Chart"), side);
+    chartButton->setObjectName(QStringLiteral("openChart"));
+    chartButton->setAutoDefault(false);
+    connect(chartButton, &QPushButton::clicked, this, &CPlasticRoomDlg::openChart);
 
     curveForm_ = new QButtonGroup(side);
     auto* engineering = new QRadioButton(QStringLiteral("Engineering"), side);
@@ -226,6 +235,7 @@ QWidget* CPlasticRoomDlg::makeCurveSide()
     placedRow->addStretch();
     placedRow->addWidget(engineering);
     placedRow->addWidget(trueCurve);
+    placedRow->addWidget(chartButton);
     connect(placed_, &QButtonGroup::idClicked, this, [this](int which) {
         if (which == static_cast<int>(PlacedPoint::Last) && entered_)
             endIndex_ = static_cast<int>(entered_->inputCurve().size()) - 1;
@@ -255,7 +265,7 @@ QWidget* CPlasticRoomDlg::makeCurveSide()
     sliderRow->addWidget(start_);
 
     auto* layout = new QVBoxLayout(side);
-    layout->addWidget(chartArea_, 1);
+    layout->addWidget(chart_, 1);
     layout->addLayout(placedRow);
     layout->addLayout(sliderRow);
     return side;
@@ -483,6 +493,7 @@ void CPlasticRoomDlg::placePoint(int index)
 void CPlasticRoomDlg::refreshCurve()
 {
     shown_ = {};
+    chart_->clearSeries();
     if (!enter()) {
         showPlacedPoint();
         return;
@@ -496,6 +507,35 @@ void CPlasticRoomDlg::refreshCurve()
         shown_.fitted = identifiedPoints(*simulation_);
         shown_.fittedName = QString::fromLatin1(coldLawListEntry(0).text);
     }
+    shown_.fittedName = translateText(shown_.fittedName);
+    for (const zelko::ui::ChartSeries& series : chartSeries())
+        chart_->addSeries(series);
+}
+
+std::vector<zelko::ui::ChartSeries> CPlasticRoomDlg::chartSeries() const
+{
+    const auto points = [](const ChartPoints& values) {
+        QList<QPointF> list;
+        list.reserve(static_cast<qsizetype>(values.size()));
+        for (std::size_t i = 0; i < values.size(); ++i)
+            list.append(QPointF(values.x[i], values.y[i]));
+        return list;
+    };
+    const bool engineering = curveForm_->checkedId() == static_cast<int>(CurveForm::Engineering);
+    std::vector<zelko::ui::ChartSeries> series;
+    if (shown_.measured.size() > 0)
+        series.push_back({translateText(engineering ? QStringLiteral("Engineering") : QStringLiteral("True")),
+                          points(shown_.measured), zelko::ui::SeriesRole::Measured});
+    if (shown_.fitted.size() > 0)
+        series.push_back({shown_.fittedName, points(shown_.fitted), zelko::ui::SeriesRole::Model});
+    return series;
+}
+
+void CPlasticRoomDlg::openChart()
+{
+    zelko::ui::CDIALOG_GRAPH_TENSILE chart(translateText(QStringLiteral("Strain")),
+                                          translateText(QStringLiteral("Stress [MPa]")), chartSeries(), this);
+    chart.exec();
 }
 
 std::optional<ColdLawId> CPlasticRoomDlg::selectedLaw() const

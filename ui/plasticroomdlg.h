@@ -33,7 +33,9 @@ class QTimer;
 
 namespace zelko::ui {
 class BackgroundRun;
+class ChartView;
 class CListCtrlExt;
+struct ChartSeries;
 }  // namespace zelko::ui
 
 class CPlasticRoomDlg : public QDialog, public ManagerTranslate {
@@ -82,6 +84,8 @@ private:
     void showPlacedPoint();
     void resetPlacedPoints();
     void refreshCurve();
+    std::vector<zelko::ui::ChartSeries> chartSeries() const;
+    void openChart();
     void finishFit(const zelko::TensileFit& fit);
     void editOptions();
     void editFracture();
@@ -127,7 +131,7 @@ private:
     QProgressBar* progress_ = nullptr;
     QPushButton* cancel_ = nullptr;
     QLabel* status_ = nullptr;
-    QWidget* chartArea_ = nullptr;
+    zelko::ui::ChartView* chart_ = nullptr;
     QTimer* refresh_ = nullptr;
     zelko::ui::BackgroundRun* run_ = nullptr;
 };

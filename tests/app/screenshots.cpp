@@ -2,9 +2,13 @@
 // app_screenshots FOLDER [MATERIAL.zmat [LANGID]]; each window is grabbed to a PNG.
 
 #include <QApplication>
+#include <QComboBox>
 #include <QDir>
+#include <QLineEdit>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QTableWidget>
+#include <QTimer>
 
 #include "app/mainframe.h"
 #include "app/matview.h"
@@ -13,17 +17,70 @@
 #include "ui/dialogoption.h"
 #include "ui/elasticdlg.h"
 #include "ui/heatdlg.h"
+#include "ui/hotcompdlg.h"
+#include "ui/plasticroomdlg.h"
 #include "ui/listdatadlg.h"
 #include "ui/uisettings.h"
 
 namespace {
 
-void save(QWidget& window, const QString& folder, const QString& name)
+void save(QWidget& window, const QString& folder, const QString& name, bool fitToContents = true)
 {
     window.show();
-    window.adjustSize();
+    if (fitToContents)
+        window.adjustSize();
     QApplication::processEvents();
     window.grab().save(folder + QLatin1Char('/') + name + QStringLiteral(".png"));
+}
+
+// The next message box is grabbed, then answered.
+void saveNextMessage(const QString& folder, const QString& name, bool& seen)
+{
+    QTimer::singleShot(20, [folder, name, &seen] {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        if (!box) {
+            saveNextMessage(folder, name, seen);
+            return;
+        }
+        save(*box, folder, name);
+        box->accept();
+        seen = true;
+    });
+}
+
+void waitFor(const std::function<bool()>& done)
+{
+    while (!done())
+        QApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 50);
+}
+
+// The tensile screen on the measured AISI 1045 test: entered, then fitted with Swift's law.
+void saveTensileScreens(const zelko::Project& material, const zelko::Environment& environment, const QString& folder)
+{
+    CPlasticRoomDlg tensile(material, environment);
+    tensile.importCurve(QStringLiteral(ZELKO_TEST_DATA "/measured/tensile-steel-1045.csv"));
+    tensile.findChild<QLineEdit*>(QStringLiteral("diameter"))->setText(QStringLiteral("10"));
+    tensile.findChild<QLineEdit*>(QStringLiteral("gaugeLength"))->setText(QStringLiteral("75"));
+    emit tensile.findChild<QLineEdit*>(QStringLiteral("gaugeLength"))->textEdited(QStringLiteral("75"));
+    tensile.show();
+    waitFor([&] { return tensile.enteredRecord() != nullptr; });
+    save(tensile, folder, QStringLiteral("tensile-entered"), false);
+    bool seen = false;
+    saveNextMessage(folder, QStringLiteral("tensile-result"), seen);
+    tensile.chooseLaw(1);
+    waitFor([&] { return seen && !tensile.fitRunning(); });
+    save(tensile, folder, QStringLiteral("tensile-fitted"), false);
+}
+
+// The hot screen on the measured Gleeble series, Hensel-Spittel fitted.
+void saveHotScreens(const zelko::Project& material, const zelko::Environment& environment, const QString& folder)
+{
+    CHotCompDlg hot(material, environment);
+    hot.importCsv(QStringLiteral(ZELKO_TEST_DATA "/measured/hot-compression-medium-carbon-steel.csv"));
+    hot.show();
+    hot.fit();
+    waitFor([&] { return !hot.fitRunning(); });
+    save(hot, folder, QStringLiteral("hot-fitted"), false);
 }
 
 }  // namespace
@@ -62,5 +119,8 @@ int main(int argc, char* argv[])
     save(list, folder, QStringLiteral("list-data"));
     CDialogOption options(zelko::ui::currentLanguageId());
     save(options, folder, QStringLiteral("options"));
+    const zelko::Environment environment = frame.view()->document().environment();
+    saveTensileScreens(zelko::Project(), environment, folder);
+    saveHotScreens(zelko::Project(), environment, folder);
     return 0;
 }

@@ -30,6 +30,7 @@
 #include "material/tensilechain.h"
 #include "modalanswer.h"
 #include "screenfiles.h"
+#include "ui/chartview.h"
 #include "ui/listctrlext.h"
 #include "ui/plasticroomadvdlg.h"
 #include "ui/plasticroomdlg.h"
@@ -167,6 +168,11 @@ private slots:
                 QCOMPARE(record->heldModel->modelNumber, static_cast<int>(law));
                 QVERIFY(dialog.shown().measured.size() > 2);
                 QCOMPARE(dialog.shown().fitted.size(), dialog.shown().measured.size());
+                // The chart beside the list draws the measured curve and the law.
+                auto* chart = dialog.findChild<zelko::ui::ChartView*>(QStringLiteral("chart"));
+                QCOMPARE(chart->seriesCount(), 2);
+                QCOMPARE(chart->seriesData(1).name, QString::fromLatin1(coldLawTitle(law)));
+                QCOMPARE(chart->seriesData(1).points.size(), qsizetype(dialog.shown().fitted.size()));
             }
         }
     }
