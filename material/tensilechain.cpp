@@ -4,6 +4,7 @@
 #include <typeinfo>
 #include <utility>
 
+#include "base/textfile.h"
 #include "cold/coldfit.h"
 #include "cold/tensilereduction.h"
 
@@ -92,6 +93,15 @@ TensileFit fitRecord(const Project& material, std::shared_ptr<RoomOri> record, C
     if (!result.law) {
         fit.error = result.message;
         fit.cancelled = result.cancelled;
+        return fit;
+    }
+    if (const auto* hollomon = dynamic_cast<const PLASTIC_3*>(result.law.get());
+        hollomon && record->neckingConstraint && !hollomon->hasNeckingReading()) {
+        // The closed form would leave K = n = 0: a law nobody should export.
+        fit.error = formatText("the Hollomon necking constraint reads the true curve at the necking row %d, which the "
+                               "curve from start row %d (%zu points) does not have or has at zero strain; start at "
+                               "row 0 or fit without the necking constraint",
+                               record->neckingIndex, record->startIndex, hollomon->curves[TrueCurve].size());
         return fit;
     }
     applyColdFit(result, *record);
