@@ -45,6 +45,22 @@ bool exportMaterial(PendingOutputs& outputs, const std::string& path, const Mate
     return false;
 }
 
+bool stageColdMaterial(const std::string& path, const std::string* library, MaterialDocument& document,
+                       Project edited, PendingOutputs& outputs, std::string& error)
+{
+    document.commit(std::move(edited));
+    if (!saveMaterial(outputs, path, document, error))
+        return false;
+    if (library) {
+        bool wroteModelBlock = false;
+        if (!exportMaterial(outputs, *library, document, wroteModelBlock, error))
+            return false;
+        if (!wroteModelBlock)
+            warn(fileMessage(*library, "the model writes no block of its own; the entry has none"));
+    }
+    return true;
+}
+
 int commitOutputs(PendingOutputs& outputs)
 {
     std::string reason;

@@ -29,6 +29,10 @@ std::optional<std::string> readInput(
 // The library entry; wroteModelBlock tells whether the model had a block of its own.
 [[nodiscard]] bool exportMaterial(PendingOutputs& outputs, const std::string& path, const MaterialDocument& document,
                                   bool& wroteModelBlock, std::string& error);
+// Stages the edited material and, when a library path is given, its entry; an
+// entry without a model block of its own is told about.
+[[nodiscard]] bool stageColdMaterial(const std::string& path, const std::string* library, MaterialDocument& document,
+                                     Project edited, PendingOutputs& outputs, std::string& error);
 // Puts the staged outputs in place; the exit status, 1 with an error line naming the file.
 int commitOutputs(PendingOutputs& outputs);
 // Two output options must not name one file, however it is spelt.

@@ -4,8 +4,8 @@
 #include <typeinfo>
 #include <utility>
 
-#include "base/textfile.h"
 #include "cold/coldfit.h"
+#include "cold/lawcomparison.h"
 #include "cold/tensilereduction.h"
 
 namespace zelko {
@@ -75,19 +75,23 @@ EnteredTest enterTensileTest(const Project& material, TensileTest test)
 
 namespace {
 
+void applySettings(const TensileFitSettings& settings, RoomOri& record)
+{
+    record.startIndex = settings.startIndex.value_or(record.startIndex);
+    record.neckingIndex = settings.neckingIndex.value_or(maximumStressIndex(record.curves[EngineeringCurve]));
+    record.endIndex = static_cast<int>(record.inputCurve().size()) - 1;
+    record.maxIterations = settings.maxIterations.value_or(record.maxIterations);
+    record.targetError = settings.targetError.value_or(record.targetError);
+    record.neckingConstraint = settings.neckingConstraint;
+    record.weighted = settings.weighted;
+    record.polishWithLeastSquares = settings.polish;
+}
+
 // Fits the law to record, a copy of the entered record that the fit may change.
 TensileFit fitRecord(const Project& material, std::shared_ptr<RoomOri> record, ColdLawId law,
                      const TensileFitSettings& settings, const Environment& environment, const RunControl& control)
 {
-    record->startIndex = settings.startIndex.value_or(record->startIndex);
-    record->neckingIndex = settings.neckingIndex.value_or(maximumStressIndex(record->curves[EngineeringCurve]));
-    record->endIndex = static_cast<int>(record->inputCurve().size()) - 1;
-    record->maxIterations = settings.maxIterations.value_or(record->maxIterations);
-    record->targetError = settings.targetError.value_or(record->targetError);
-    record->neckingConstraint = settings.neckingConstraint;
-    record->weighted = settings.weighted;
-    record->polishWithLeastSquares = settings.polish;
-
+    applySettings(settings, *record);
     TensileFit fit;
     const ColdFitResult result = fitColdLaw(*record, law, control);
     if (!result.law) {
@@ -95,13 +99,8 @@ TensileFit fitRecord(const Project& material, std::shared_ptr<RoomOri> record, C
         fit.cancelled = result.cancelled;
         return fit;
     }
-    if (const auto* hollomon = dynamic_cast<const PLASTIC_3*>(result.law.get());
-        hollomon && record->neckingConstraint && !hollomon->hasNeckingReading()) {
-        // The closed form would leave K = n = 0: a law nobody should export.
-        fit.error = formatText("the Hollomon necking constraint reads the true curve at the necking row %d, which the "
-                               "curve from start row %d (%zu points) does not have or has at zero strain; start at "
-                               "row 0 or fit without the necking constraint",
-                               record->neckingIndex, record->startIndex, hollomon->curves[TrueCurve].size());
+    if (std::string refusal = fittedLawRefusal(*result.law); !refusal.empty()) {
+        fit.error = std::move(refusal);
         return fit;
     }
     applyColdFit(result, *record);
@@ -131,6 +130,15 @@ TensileFit fitTensileLaw(const Project& material, RoomOri&& entered, ColdLawId l
     if (typeid(entered) != typeid(RoomOri))
         return fitTensileLaw(material, std::as_const(entered), law, settings, environment, control);
     return fitRecord(material, std::make_shared<RoomOri>(std::move(entered)), law, settings, environment, control);
+}
+
+LawComparisonResult compareTensileLaws(const RoomOri& entered, const TensileFitSettings& settings,
+                                       const RunControl& control)
+{
+    // The settings go onto a copy of the record, as for a single fit.
+    RoomOri record = static_cast<const RoomOri&>(entered);
+    applySettings(settings, record);
+    return compareColdLaws(record, control);
 }
 
 std::shared_ptr<RoomOri> tensileJobRecord(const Project& material, std::string& error)
