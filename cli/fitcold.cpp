@@ -77,12 +77,7 @@ bool lawOption(const ParsedArguments& args, std::string_view option, std::option
 bool checkOutputs(const ParsedArguments& args, std::string& error)
 {
     static constexpr std::array<std::string_view, 4> kOutputs = {kOutput, kExport, "--curve-out", "--png"};
-    for (std::size_t i = 0; i < kOutputs.size(); ++i)
-        for (std::size_t j = i + 1; j < kOutputs.size(); ++j)
-            if (const std::string* first = args.option(kOutputs[i]);
-                first && !distinctOutputs(kOutputs[i], *first, kOutputs[j], args.option(kOutputs[j]), error))
-                return false;
-    return true;
+    return distinctOutputs(args, kOutputs, error);
 }
 
 // The header's say on the input kind and units; an option given contradicting it is refused.
@@ -232,10 +227,7 @@ bool stageViews(const ParsedArguments& args, const MaterialDocument& document,
         files["curves"] = *csv;
     }
     if (const std::string* png = args.option("--png")) {
-        std::string material = utf16ToUtf8(document.material().title);
-        // A title may keep the line end of the screen's text box.
-        std::erase_if(material, [](char c) { return c == '\r' || c == '\n'; });
-        const std::string title = (material.empty() ? std::string() : material + " - ") + subject;
+        const std::string title = pictureTitle(document.material(), subject);
         const std::optional<std::filesystem::path> drawing = outputs.reserve(*png, error);
         if (!drawing
             || !drawPicture(coldFitScript(title, laws), *drawing, kColdPictureWidth, kColdPictureHeight,

@@ -116,7 +116,7 @@ std::string hotFitScript(const std::string& title, const PLASTIC_HOT& model)
     const int rows = (static_cast<int>(temperatures) + kHotPanelsPerRow - 1) / kHotPanelsPerRow;
     script += formatText("set multiplot layout %d, %d title %s font ',14'\n", std::max(1, rows), kHotPanelsPerRow,
                          gnuplotQuoted(title).c_str());
-    script += "set grid\nset key top right font ',8'\nset xlabel 'true strain'\nset ylabel 'true stress (MPa)'\n";
+    script += "set grid\nset key below horizontal font ',9'\nset xlabel 'true strain'\nset ylabel 'true stress (MPa)'\n";
     for (std::size_t t = 0; t < temperatures; ++t) {
         script += formatText("set title '%g °C'\nplot ", model.temperatures[t]);
         for (std::size_t r = 0; r < rates; ++r)
@@ -127,6 +127,14 @@ std::string hotFitScript(const std::string& title, const PLASTIC_HOT& model)
     }
     script += "unset multiplot\n";
     return script;
+}
+
+std::string pictureTitle(const Project& material, const std::string& subject)
+{
+    std::string title = utf16ToUtf8(material.title);
+    // A title may keep the line end of the screen's text box.
+    std::erase_if(title, [](char c) { return c == '\r' || c == '\n'; });
+    return title.empty() ? subject : title + " - " + subject;
 }
 
 bool drawPicture(const std::string& script, const std::filesystem::path& png, int width, int height,

@@ -9,6 +9,7 @@
 #include "base/environment.h"
 #include "cold/lawcomparison.h"
 #include "hot/plastic_hot.h"
+#include "material/project.h"
 
 namespace zelko::cli {
 
@@ -21,6 +22,9 @@ std::string coldFitScript(const std::string& title, const std::vector<const LawC
 std::string hotFitScript(const std::string& title, const PLASTIC_HOT& model);
 // The picture's height for the hot fit's panels (three to a row).
 int hotFitPictureHeight(const PLASTIC_HOT& model);
+
+// "MATERIAL - subject", or the subject alone for a material without a title.
+std::string pictureTitle(const Project& material, const std::string& subject);
 
 // Draws the script into png with the environment's gnuplot; false with the reason.
 bool drawPicture(const std::string& script, const std::filesystem::path& png, int width, int height,

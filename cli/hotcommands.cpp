@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cmath>
 #include <memory>
 #include <vector>
@@ -7,13 +8,17 @@
 #include "base/fileio.h"
 #include "base/messages.h"
 #include "base/numbers.h"
+#include <json/json.h>
+
 #include "cli/commands.h"
+#include "cli/fitpicture.h"
 #include "cli/materialio.h"
 #include "cli/messages.h"
 #include "hot/celltypes.h"
 #include "hot/gnuplot.h"
 #include "hot/hotcsv.h"
 #include "hot/hotmodels.h"
+#include "hot/plastic_17.h"
 #include "hot/processingmap.h"
 #include "material/hotchain.h"
 #include "material/libraryexport.h"
@@ -96,6 +101,66 @@ void warnAbout(const HotFitResult& result, const std::string& path)
         warn(formatText("the fit stopped after %d iterations: %s", result.iterations, result.stopReason.c_str()));
 }
 
+constexpr int kHotPictureWidth = 1500;
+
+std::string cellErrorsText(const std::vector<CellError>& cells)
+{
+    std::string text = "By temperature and strain rate:\n  temperature  strain rate   AARE (%)  RMSE (MPa)  points\n";
+    for (const CellError& cell : cells)
+        text += formatText("  %11g  %11g  %9.3f  %10.3f  %6zu\n", cell.temperature, cell.strainRate, 100.0 * cell.aare,
+                           cell.rmse, cell.count);
+    return text;
+}
+
+Json::Value fitHotJson(const HotFitResult& result, const PLASTIC_HOT& model, const std::vector<CellError>& cells)
+{
+    Json::Value json(Json::objectValue);
+    json["model"] = model.modelNumber;
+    json["aare"] = 100.0 * result.aare;
+    json["rmse"] = result.rmse;
+    json["compared"] = static_cast<Json::UInt64>(result.compared);
+    json["missing"] = static_cast<Json::UInt64>(result.missing);
+    json["iterations"] = result.iterations;
+    json["stoppedEarly"] = result.stoppedEarly;
+    json["stopReason"] = result.stopReason;
+    Json::Value notes(Json::arrayValue);
+    for (const std::string& note : result.notes)
+        notes.append(note);
+    json["notes"] = std::move(notes);
+    if (dynamic_cast<const PLASTIC_17*>(&model)) {
+        static constexpr const char* kNames[] = {"A", "m1", "m2", "m3", "m4", "m5", "m6", "m7", "m8", "m9"};
+        Json::Value parameters(Json::objectValue);
+        for (std::size_t i = 0; i < model.parameters.size(); ++i)
+            parameters[kNames[i]] = model.parameters[i];
+        json["parameters"] = std::move(parameters);
+    }
+    Json::Value cellList(Json::arrayValue);
+    for (const CellError& cell : cells) {
+        Json::Value one(Json::objectValue);
+        one["temperature"] = cell.temperature;
+        one["strainRate"] = cell.strainRate;
+        one["aare"] = 100.0 * cell.aare;
+        one["rmse"] = cell.rmse;
+        one["points"] = static_cast<Json::UInt64>(cell.count);
+        cellList.append(std::move(one));
+    }
+    json["cells"] = std::move(cellList);
+    json["report"] = result.report;
+    return json;
+}
+
+// temperature, strain rate, strain, measured and model stress, a line per measured point.
+std::string hotCurvesCsv(const PLASTIC_HOT& model)
+{
+    std::string csv = "temperature,strain_rate,strain,measured_stress_MPa,model_stress_MPa\n";
+    for (std::size_t t = 0; t < model.temperatures.size(); ++t)
+        for (std::size_t r = 0; r < model.strainRates.size(); ++r)
+            for (const HotCurvePoint& p : model.curve(t, r))
+                csv += formatText("%.9g,%.9g,%.9g,%.9g,%.9g\n", model.temperatures[t], model.strainRates[r], p.strain,
+                                  p.stress, model.evaluate(p.strain, model.strainRates[r], model.temperatures[t]));
+    return csv;
+}
+
 int runFitHot(const ParsedArguments& args)
 {
     const std::string& materialPath = args.positionals[0];
@@ -111,7 +176,8 @@ int runFitHot(const ParsedArguments& args)
         || (args.option("--strains") && !parseStrains(*args.option("--strains"), strainItems, error)))
         return fail(error);
     fitOptions.maxIterations = static_cast<int>(iterations);
-    if (!distinctOutputs(kOutput, *args.option(kOutput), kExport, args.option(kExport), error))
+    static constexpr std::array<std::string_view, 4> kOutputs = {kOutput, kExport, "--curve-out", "--png"};
+    if (!distinctOutputs(args, kOutputs, error))
         return fail(error);
 
     MaterialDocument document;
@@ -145,7 +211,34 @@ int runFitHot(const ParsedArguments& args)
             warn(formatText("model %d has no library block; the entry's model section is empty",
                             static_cast<int>(modelId)));
     }
-    if (const int status = printResult(result.report); status != 0)
+    const PLASTIC_HOT& model = *fitted.fit.model;
+    const std::vector<CellError> cells = cellErrorsOf(model);
+    Json::Value files(Json::objectValue);
+    files["material"] = *args.option(kOutput);
+    if (const std::string* library = args.option(kExport))
+        files["library"] = *library;
+    if (const std::string* csv = args.option("--curve-out")) {
+        if (!outputs.stage(*csv, hotCurvesCsv(model), error))
+            return fail(fileMessage(*csv, error));
+        files["curves"] = *csv;
+    }
+    if (const std::string* png = args.option("--png")) {
+        const std::string title = pictureTitle(document.material(), formatText("model %d, AARE %.3g %%, RMSE %.3g MPa (points measured, lines model)", model.modelNumber,
+                                                                               100.0 * result.aare, result.rmse));
+        const std::optional<std::filesystem::path> drawing = outputs.reserve(*png, error);
+        if (!drawing
+            || !drawPicture(hotFitScript(title, model), *drawing, kHotPictureWidth, hotFitPictureHeight(model),
+                            document.environment(), error))
+            return fail(fileMessage(*png, error));
+        files["png"] = *png;
+    }
+    std::string printed = result.report + "\n" + cellErrorsText(cells);
+    if (args.flag("--json")) {
+        Json::Value json = fitHotJson(result, model, cells);
+        json["files"] = std::move(files);
+        printed = Json::writeString(Json::StreamWriterBuilder(), json) + "\n";
+    }
+    if (const int status = printResult(printed); status != 0)
         return status;
     return commitOutputs(outputs);
 }
@@ -215,6 +308,7 @@ std::span<const Command> hotCommands()
             "                             --type 16|17|161|163..169|1600|50 [--strains LIST]\n"
             "                             [--strain-measure true|engineering] [--strain-offset X]\n"
             "                             [--max-iter N] -o OUT.zmat [--export LIB.z3dlib]\n"
+            "                             [--curve-out FILE.csv] [--png FILE.png] [--json]\n"
             "\n"
             "Builds the hot data set from a long CSV (temperature, strain_rate, strain, stress\n"
             "a line; a header line and lines beginning with # are skipped), fits the type and\n"
@@ -224,10 +318,16 @@ std::span<const Command> hotCommands()
             "others; engineering points are converted as the data screen converts them.\n"
             "--max-iter bounds the Hensel-Spittel descent (default 10000). The data set\n"
             "replaces the material's flow-stress model; --export also writes the library\n"
-            "entry with the fitted law (Zener-Hollomon, 50, has no library block).\n",
+            "entry with the fitted law (Zener-Hollomon, 50, has no library block).\n"
+            "\n"
+            "After the report the AARE and RMSE of each temperature and strain rate are\n"
+            "listed. --curve-out writes every measured point with the model's stress as CSV;\n"
+            "--png draws them with gnuplot, a panel per temperature and a colour per rate;\n"
+            "--json prints one JSON object (errors, stop reason, the Hensel-Spittel\n"
+            "parameters by name, the errors per cell, file paths) instead of the text.\n",
             {{kOutput, "--curves", "--type", "--strains", "--strain-measure", "--strain-offset", "--max-iter",
-                 kExport},
-                {kOutput, "--curves", "--type"}, {"MATERIAL.zmat"}, 1},
+                 kExport, "--curve-out", "--png"},
+                {kOutput, "--curves", "--type"}, {"MATERIAL.zmat"}, 1, {"--json"}},
             runFitHot},
         {"processing-map", "write the processing map's data and gnuplot script, optionally its picture",
             "Usage: zelko-mat-cli processing-map MATERIAL.zmat --strain-index K --contour-step S\n"

@@ -79,4 +79,14 @@ bool distinctOutputs(std::string_view option, const std::string& path, std::stri
     return false;
 }
 
+bool distinctOutputs(const ParsedArguments& args, std::span<const std::string_view> options, std::string& error)
+{
+    for (std::size_t i = 0; i < options.size(); ++i)
+        for (std::size_t j = i + 1; j < options.size(); ++j)
+            if (const std::string* first = args.option(options[i]);
+                first && !distinctOutputs(options[i], *first, options[j], args.option(options[j]), error))
+                return false;
+    return true;
+}
+
 }  // namespace zelko::cli

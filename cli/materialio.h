@@ -4,10 +4,12 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
 #include "base/fileio.h"
+#include "cli/arguments.h"
 #include "material/document.h"
 
 namespace zelko::cli {
@@ -38,5 +40,9 @@ int commitOutputs(PendingOutputs& outputs);
 // Two output options must not name one file, however it is spelt.
 [[nodiscard]] bool distinctOutputs(std::string_view option, const std::string& path, std::string_view otherOption,
                                    const std::string* other, std::string& error);
+
+// No two of the output options given name one file.
+[[nodiscard]] bool distinctOutputs(const ParsedArguments& args, std::span<const std::string_view> options,
+                                   std::string& error);
 
 }  // namespace zelko::cli
