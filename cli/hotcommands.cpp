@@ -243,6 +243,58 @@ int runFitHot(const ParsedArguments& args)
     return commitOutputs(outputs);
 }
 
+// Below this spread of efficiency (percent) the map has no domains to tell apart.
+constexpr double kFlatEfficiency = 0.5;
+
+// The sample strain by index or as the nearest to --strain; the list when neither fits.
+bool chooseMapStrain(const ParsedArguments& args, const std::vector<double>& strains, long long& index,
+                     std::string& error)
+{
+    std::string list;
+    for (std::size_t k = 0; k < strains.size(); ++k)
+        list += formatText("%s%zu: %g", k ? ", " : "", k, strains[k]);
+    const std::string* byIndex = args.option("--strain-index");
+    const std::string* byValue = args.option("--strain");
+    if (!byIndex == !byValue) {
+        error = std::string(byIndex ? "give one of" : "missing option") + " '--strain-index' or '--strain'; the sample strains are "
+                + list;
+        return false;
+    }
+    if (byValue) {
+        double strain = 0.0;
+        if (!numberOption(args, "--strain", strain, error))
+            return false;
+        const auto nearest = std::min_element(strains.begin(), strains.end(), [strain](double a, double b) {
+            return std::fabs(a - strain) < std::fabs(b - strain);
+        });
+        index = nearest - strains.begin();
+        return true;
+    }
+    if (!integerOption(args, "--strain-index", 0, static_cast<long long>(strains.size()) - 1, index, error)) {
+        error += "; the sample strains are " + list;
+        return false;
+    }
+    return true;
+}
+
+struct MapSummary {
+    bool unstable = false;
+    double lowest = HUGE_VAL;
+    double highest = -HUGE_VAL;
+};
+
+MapSummary summarise(const ProcessingMap& map)
+{
+    MapSummary summary;
+    for (std::size_t j = 0; j < map.rateNodes(); ++j)
+        for (std::size_t i = 0; i < map.temperatureNodes(); ++i) {
+            summary.unstable = summary.unstable || map.flag(j, i, 0) == kUnstable;
+            summary.lowest = std::min(summary.lowest, map.efficiency(j, i, 0));
+            summary.highest = std::max(summary.highest, map.efficiency(j, i, 0));
+        }
+    return summary;
+}
+
 int runProcessingMap(const ParsedArguments& args)
 {
     const std::string& materialPath = args.positionals[0];
@@ -257,9 +309,9 @@ int runProcessingMap(const ParsedArguments& args)
         return fail(fileMessage(materialPath, "the hot data set has no sample strains"));
     long long strainIndex = 0;
     double contourStep = 0.0;
-    if (!integerOption(args, "--strain-index", 0, static_cast<long long>(dataSet->strains.size()) - 1, strainIndex, error)
-        || !numberOption(args, "--contour-step", contourStep, error))
+    if (!chooseMapStrain(args, dataSet->strains, strainIndex, error) || !numberOption(args, "--contour-step", contourStep, error))
         return fail(error);
+    const double strain = dataSet->strains[static_cast<std::size_t>(strainIndex)];
     if (!(contourStep >= kSmallestContourStep && contourStep <= 100.0))
         return fail(formatText("option '--contour-step': must lie between %g and 100 (percent)", kSmallestContourStep));
     const std::string* png = args.option("--png");
@@ -285,13 +337,38 @@ int runProcessingMap(const ParsedArguments& args)
     if (!outputs.stage(script, processingMapScript(*model, contourStep, data.string()).bytes(), error))
         return fail(fileMessage(script.string(), error));
     std::string written = data.string() + "\n" + script.string() + "\n";
+    Json::Value json(Json::objectValue), files(Json::objectValue);
+    files["data"] = data.string();
+    files["script"] = script.string();
     if (png) {
         const std::optional<std::filesystem::path> drawing = outputs.reserve(*png, error);
         const PngRequest picture{{}, drawing.value_or(std::filesystem::path()), kMapPictureWidth, kMapPictureHeight};
+        const MapPictureLabels labels{pictureTitle(document.material(),
+                                                   formatText("model %d, true strain %g", model->modelNumber, strain))};
         if (!drawing
-            || renderProcessingMapPng(*map, 0, *model, contourStep, picture, environment, {}, error) != RenderEnd::Drawn)
+            || renderProcessingMapPng(*map, 0, *model, contourStep, picture, environment, {}, error, labels)
+                   != RenderEnd::Drawn)
             return fail(fileMessage(*png, error));
         written += *png + "\n";
+        files["png"] = *png;
+    }
+    const MapSummary summary = summarise(*map);
+    if (!summary.unstable)
+        warn(formatText("the map at strain %g has no unstable region", strain));
+    if (summary.highest - summary.lowest < kFlatEfficiency)
+        warn(formatText("the efficiency at strain %g is flat (%.3g to %.3g %%): the map shows no domains", strain,
+                        summary.lowest, summary.highest));
+    if (args.option("--strain"))
+        written += formatText("sample strain %g (index %lld)\n", strain, strainIndex);
+    if (args.flag("--json")) {
+        json["model"] = model->modelNumber;
+        json["strain"] = strain;
+        json["strainIndex"] = static_cast<Json::Int64>(strainIndex);
+        json["unstable"] = summary.unstable;
+        json["efficiencyMin"] = summary.lowest;
+        json["efficiencyMax"] = summary.highest;
+        json["files"] = std::move(files);
+        written = Json::writeString(Json::StreamWriterBuilder(), json) + "\n";
     }
     if (const int status = commitOutputs(outputs); status != 0)
         return status;
@@ -330,16 +407,23 @@ std::span<const Command> hotCommands()
                 {kOutput, "--curves", "--type"}, {"MATERIAL.zmat"}, 1, {"--json"}},
             runFitHot},
         {"processing-map", "write the processing map's data and gnuplot script, optionally its picture",
-            "Usage: zelko-mat-cli processing-map MATERIAL.zmat --strain-index K --contour-step S\n"
-            "                                    [--png FILE]\n"
+            "Usage: zelko-mat-cli processing-map MATERIAL.zmat --strain-index K|--strain X\n"
+            "                                    --contour-step S [--png FILE] [--json]\n"
             "\n"
             "Computes the power-dissipation and instability maps at sample strain K (from 0)\n"
             "from the material's hot model, fitted again to its data set, and writes\n"
             "processing_map.dat and processing_map.txt into the exchange folder ($ZELKO_TEMP,\n"
             "else ZELKO in the system's temporary folder); prints their paths. S is the\n"
             "efficiency contour step in percent. With --png, gnuplot ($ZELKO_GNUPLOT, else\n"
-            "gnuplot on the PATH) draws both maps into FILE.\n",
-            {{"--strain-index", "--contour-step", "--png"}, {"--strain-index", "--contour-step"}, {"MATERIAL.zmat"}, 1},
+            "gnuplot on the PATH) draws both maps into FILE, titled with the material, the\n"
+            "model and the strain, with labelled colour bars.\n"
+            "\n"
+            "--strain X takes the sample strain nearest to X and names it after the paths. A\n"
+            "map without an unstable region, or with an efficiency that hardly varies, is\n"
+            "told about on standard error. --json prints one JSON object (model, strain,\n"
+            "efficiency range, whether any region is unstable, file paths) instead.\n",
+            {{"--strain-index", "--strain", "--contour-step", "--png"}, {"--contour-step"}, {"MATERIAL.zmat"}, 1,
+                {"--json"}},
             runProcessingMap},
     };
     return kCommands;
