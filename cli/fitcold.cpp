@@ -8,6 +8,7 @@
 #include "base/textfile.h"
 #include "cli/coldreport.h"
 #include "cli/fitpicture.h"
+#include "cli/materialjson.h"
 #include "cli/materialio.h"
 #include "cli/messages.h"
 #include "cold/curvefile.h"
@@ -329,7 +330,7 @@ int runFitCold(const ParsedArguments& args)
 
     json["rows"] = rowsJson(rows);
     json["files"] = std::move(files);
-    const std::string printed = args.flag("--json") ? Json::writeString(Json::StreamWriterBuilder(), json) + "\n"
+    const std::string printed = args.flag("--json") ? jsonText(json)
                                                     : text + "\n" + rowsText(rows, trueInput);
     if (const int status = printResult(printed); status != 0)
         return status;

@@ -12,6 +12,7 @@
 
 #include "cli/commands.h"
 #include "cli/fitpicture.h"
+#include "cli/materialjson.h"
 #include "cli/materialio.h"
 #include "cli/messages.h"
 #include "hot/celltypes.h"
@@ -110,6 +111,19 @@ std::string cellErrorsText(const std::vector<CellError>& cells)
         text += formatText("  %11g  %11g  %9.3f  %10.3f  %6zu\n", cell.temperature, cell.strainRate, 100.0 * cell.aare,
                            cell.rmse, cell.count);
     return text;
+}
+
+// A cell this many times worse than the average is what the average hides.
+constexpr double kWorstCellFactor = 2.0;
+
+void warnAboutWorstCell(const std::vector<CellError>& cells, const HotFitResult& result)
+{
+    const auto worst = std::max_element(cells.begin(), cells.end(),
+                                        [](const CellError& a, const CellError& b) { return a.aare < b.aare; });
+    if (worst != cells.end() && worst->aare > kWorstCellFactor * result.aare)
+        warn(formatText("the worst cell, temperature %g and strain rate %g, has AARE %.3g %% (RMSE %.3g MPa) against %.3g %% over "
+                        "all; --cell-errors lists every cell",
+                        worst->temperature, worst->strainRate, 100.0 * worst->aare, worst->rmse, 100.0 * result.aare));
 }
 
 Json::Value fitHotJson(const HotFitResult& result, const PLASTIC_HOT& model, const std::vector<CellError>& cells)
@@ -232,11 +246,15 @@ int runFitHot(const ParsedArguments& args)
             return fail(fileMessage(*png, error));
         files["png"] = *png;
     }
-    std::string printed = result.report + "\n" + cellErrorsText(cells);
+    std::string printed = result.report;
+    if (args.flag("--cell-errors"))
+        printed += "\n" + cellErrorsText(cells);
+    else
+        warnAboutWorstCell(cells, result);
     if (args.flag("--json")) {
         Json::Value json = fitHotJson(result, model, cells);
         json["files"] = std::move(files);
-        printed = Json::writeString(Json::StreamWriterBuilder(), json) + "\n";
+        printed = jsonText(json);
     }
     if (const int status = printResult(printed); status != 0)
         return status;
@@ -368,7 +386,7 @@ int runProcessingMap(const ParsedArguments& args)
         json["efficiencyMin"] = summary.lowest;
         json["efficiencyMax"] = summary.highest;
         json["files"] = std::move(files);
-        written = Json::writeString(Json::StreamWriterBuilder(), json) + "\n";
+        written = jsonText(json);
     }
     if (const int status = commitOutputs(outputs); status != 0)
         return status;
@@ -385,7 +403,8 @@ std::span<const Command> hotCommands()
             "                             --type 16|17|161|163..169|1600|50 [--strains LIST]\n"
             "                             [--strain-measure true|engineering] [--strain-offset X]\n"
             "                             [--max-iter N] -o OUT.zmat [--export LIB.z3dlib]\n"
-            "                             [--curve-out FILE.csv] [--png FILE.png] [--json]\n"
+            "                             [--cell-errors] [--curve-out FILE.csv] [--png FILE.png]\n"
+            "                             [--json]\n"
             "\n"
             "Builds the hot data set from a long CSV (temperature, strain_rate, strain, stress\n"
             "a line; a header line and lines beginning with # are skipped), fits the type and\n"
@@ -397,14 +416,15 @@ std::span<const Command> hotCommands()
             "replaces the material's flow-stress model; --export also writes the library\n"
             "entry with the fitted law (Zener-Hollomon, 50, has no library block).\n"
             "\n"
-            "After the report the AARE and RMSE of each temperature and strain rate are\n"
-            "listed. --curve-out writes every measured point with the model's stress as CSV;\n"
+            "With --cell-errors the AARE and RMSE of each temperature and strain rate follow\n"
+            "the report; without it, a cell more than twice as far off as the average is\n"
+            "named on standard error. --curve-out writes every measured point with the model's stress as CSV;\n"
             "--png draws them with gnuplot, a panel per temperature and a colour per rate;\n"
             "--json prints one JSON object (errors, stop reason, the Hensel-Spittel\n"
             "parameters by name, the errors per cell, file paths) instead of the text.\n",
             {{kOutput, "--curves", "--type", "--strains", "--strain-measure", "--strain-offset", "--max-iter",
                  kExport, "--curve-out", "--png"},
-                {kOutput, "--curves", "--type"}, {"MATERIAL.zmat"}, 1, {"--json"}},
+                {kOutput, "--curves", "--type"}, {"MATERIAL.zmat"}, 1, {"--json", "--cell-errors"}},
             runFitHot},
         {"processing-map", "write the processing map's data and gnuplot script, optionally its picture",
             "Usage: zelko-mat-cli processing-map MATERIAL.zmat --strain-index K|--strain X\n"
