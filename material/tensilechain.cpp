@@ -93,7 +93,7 @@ TensileFit fitRecord(const Project& material, std::shared_ptr<RoomOri> record, C
 {
     applySettings(settings, *record);
     TensileFit fit;
-    const ColdFitResult result = fitColdLaw(*record, law, control);
+    ColdFitResult result = fitColdLaw(*record, law, control);
     if (!result.law) {
         fit.error = result.message;
         fit.cancelled = result.cancelled;
@@ -103,14 +103,18 @@ TensileFit fitRecord(const Project& material, std::shared_ptr<RoomOri> record, C
         fit.error = std::move(refusal);
         return fit;
     }
-    applyColdFit(result, *record);
     if (law == ColdLawId::Swift) {
         // The table is a convenience beside the fit: no folder, no table.
         std::string ignored;
         writeSwiftComparisonTable(*result.law, environment.exchangeFolder, ignored);
     }
-    fit.text = result.text;
+    // What applyColdFit leaves, without copies of a long curve: the rebuilt true
+    // curve moves into the record, and the fit's own law becomes its held model.
+    if (result.trueCurve)
+        record->curves[TrueCurve] = std::move(*result.trueCurve);
     fit.law = result.law;
+    record->heldModel = std::move(result.law);
+    fit.text = std::move(result.text);
     fit.material = withRecord(material, std::move(record));
     return fit;
 }

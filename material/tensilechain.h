@@ -58,7 +58,7 @@ struct TensileFitSettings {
 
 struct TensileFit {
     std::optional<Project> material;  // the record with its fitted law; empty when nothing was fitted
-    std::shared_ptr<const ColdLaw> law;
+    std::shared_ptr<const ColdLaw> law;  // the law the material's record holds, not a copy of a long curve
     std::string text;   // the result, as the screen shows it
     std::string error;  // why nothing was fitted
     bool cancelled = false;

@@ -59,6 +59,8 @@ TEST(TensileChain, FitsIntoANewMaterialWithTheLawItExports)
     EXPECT_EQ(record->startIndex, kStart1045);
     EXPECT_EQ(record->neckingIndex, maximumStressIndex(record->curves[EngineeringCurve]));
     EXPECT_FALSE(record->curves[TrueCurve].empty());
+    // The fitted law is the record's held model itself: a long true curve is not held a third time.
+    EXPECT_EQ(fit.law.get(), record->heldModel.get());
     ASSERT_TRUE(fit.material->libraryModel());
     EXPECT_EQ(fit.material->libraryModel()->modelNumber, 1);
     EXPECT_TRUE(libraryEntryBytes(*fit.material).hasModelBlock);
