@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <future>
 
 #include "base/textfile.h"
 #include "cold/coldfit.h"
@@ -89,21 +90,29 @@ LawComparisonResult compareColdLaws(const RoomOri& record, const RunControl& con
     LawComparisonResult result;
     RunControl each;
     each.stop = control.stop;
+    // The laws are fitted side by side: each fit reads the record and writes only its own law.
+    std::vector<std::future<ColdFitResult>> fits;
+    for (const ColdLawId id : kColdLaws)
+        fits.push_back(std::async(std::launch::async, [&record, &each, id] { return fitColdLaw(record, id, each); }));
     int done = 0;
-    for (const ColdLawId id : kColdLaws) {
+    for (std::size_t i = 0; i < fits.size(); ++i) {
+        const ColdLawId id = kColdLaws[i];
         LawComparison row;
         row.law = id;
-        const ColdFitResult fit = fitColdLaw(record, id, each);
+        const ColdFitResult fit = fits[i].get();
         if (fit.cancelled || control.stopRequested()) {
             result.cancelled = true;
-            result.rows.clear();
-            return result;
+            continue;  // the others end at the same stop
         }
         row.message = fit.law ? fittedLawRefusal(*fit.law) : fit.message;
         if (fit.law && row.message.empty())
             row = describeFittedLaw(id, fit.law);
         result.rows.push_back(std::move(row));
         control.report(++done * 100 / static_cast<int>(kColdLaws.size()));
+    }
+    if (result.cancelled) {
+        result.rows.clear();
+        return result;
     }
     // A law without a finite error ranks with the failed ones.
     const auto rank = [](const LawComparison& row) {
