@@ -1,7 +1,5 @@
 #include "material/hotchain.h"
 
-#include <cmath>
-
 #include "hot/celltypes.h"
 #include "hot/stresstable.h"
 
@@ -75,22 +73,8 @@ std::vector<CellError> cellErrorsOf(const PLASTIC_HOT& model)
     std::vector<CellError> cells;
     for (std::size_t t = 0; t < table.temperatureCount(); ++t)
         for (std::size_t r = 0; r < table.rateCount(); ++r) {
-            CellError cell{model.temperatures[t], model.strainRates[r], 0.0, 0.0, 0};
-            double relative = 0.0, squares = 0.0;
-            for (std::size_t k = 0; k < table.strainCount(); ++k) {
-                if (!table.usable(t, r, k))
-                    continue;
-                const double measured = table.at(t, r, k);
-                const double difference = model.evaluate(model.strains[k], cell.strainRate, cell.temperature) - measured;
-                relative += std::fabs(difference) / measured;
-                squares += difference * difference;
-                ++cell.count;
-            }
-            if (cell.count > 0) {
-                cell.aare = relative / static_cast<double>(cell.count);
-                cell.rmse = std::sqrt(squares / static_cast<double>(cell.count));
-            }
-            cells.push_back(cell);
+            const FitError error = cellFitErrorOf(model, table, t, r);
+            cells.push_back({model.temperatures[t], model.strainRates[r], error.aare, error.rmse, error.count});
         }
     return cells;
 }
