@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <future>
+#include <thread>
 
 #include "base/textfile.h"
 #include "cold/coldfit.h"
@@ -90,16 +91,26 @@ LawComparisonResult compareColdLaws(const RoomOri& record, const RunControl& con
     LawComparisonResult result;
     RunControl each;
     each.stop = control.stop;
-    // The laws are fitted side by side: each fit reads the record and writes only its own law.
-    std::vector<std::future<ColdFitResult>> fits;
-    for (const ColdLawId id : kColdLaws)
-        fits.push_back(std::async(std::launch::async, [&record, &each, id] { return fitColdLaw(record, id, each); }));
+    // The laws are fitted side by side, as many at once as there are processors:
+    // each fit reads the record and writes only its own law, and holds a copy of a
+    // long curve while it runs.
+    const std::size_t atOnce = std::clamp<std::size_t>(std::thread::hardware_concurrency(), 1, kColdLaws.size());
+    std::vector<std::future<ColdFitResult>> fits(kColdLaws.size());
+    const auto start = [&](std::size_t i) {
+        if (i < fits.size())
+            fits[i] = std::async(std::launch::async, [&record, &each, id = kColdLaws[i]] {
+                return fitColdLaw(record, id, each);
+            });
+    };
+    for (std::size_t i = 0; i < atOnce; ++i)
+        start(i);
     int done = 0;
     for (std::size_t i = 0; i < fits.size(); ++i) {
         const ColdLawId id = kColdLaws[i];
         LawComparison row;
         row.law = id;
         const ColdFitResult fit = fits[i].get();
+        start(i + atOnce);
         if (fit.cancelled || control.stopRequested()) {
             result.cancelled = true;
             continue;  // the others end at the same stop

@@ -139,9 +139,12 @@ TensileFit fitTensileLaw(const Project& material, RoomOri&& entered, ColdLawId l
 LawComparisonResult compareTensileLaws(const RoomOri& entered, const TensileFitSettings& settings,
                                        const RunControl& control)
 {
-    // The settings go onto a copy of the record, as for a single fit.
+    // The settings go onto a copy of the record, as for a single fit. The laws
+    // rebuild their curve from the engineering one: each fit's copy of the record
+    // need not hold the load-displacement curve too.
     RoomOri record = static_cast<const RoomOri&>(entered);
     applySettings(settings, record);
+    Curve().swap(record.curves[LoadDisplacement]);
     return compareColdLaws(record, control);
 }
 
