@@ -86,8 +86,9 @@ bool takeHeader(const ParsedArguments& args, const CurveHeader& header, TensileT
 {
     const bool loadInput = test.inputKind == LoadDisplacement;
     if (header.loadDisplacement != loadInput) {
-        error = "the header '" + header.text + "' names " + (header.loadDisplacement ? "load and displacement" : "strain and stress")
-                + " columns, but --input is " + *args.option("--input");
+        error = "the header '" + header.text + "' names "
+                + (header.loadDisplacement ? "load and displacement" : "strain and stress") + " columns, but --input is "
+                + *args.option("--input");
         return false;
     }
     const auto unit = [&](std::string_view option, const std::optional<std::int32_t>& fromHeader, std::int32_t& value) {
@@ -313,10 +314,12 @@ int runFitCold(const ParsedArguments& args)
             json = lawJson(*single);
             json["text"] = fit.text;
         } else {
-            text += "stored: " + std::string(lawOptionName(*stored)) + (request.choose ? "\n" : " (the best law with a library block)\n");
+            text += "stored: " + std::string(lawOptionName(*stored))
+                    + (request.choose ? "\n" : " (the best law with a library block)\n");
             json["stored"] = std::string(lawOptionName(*stored));
         }
-        if (!stageColdMaterial(*args.option(kOutput), args.option(kExport), document, std::move(*fit.material), outputs, error))
+        if (!stageColdMaterial(*args.option(kOutput), args.option(kExport), document, std::move(*fit.material), outputs,
+                               error))
             return fail(error);
         files["material"] = *args.option(kOutput);
         if (args.option(kExport))

@@ -237,8 +237,9 @@ int runFitHot(const ParsedArguments& args)
         files["curves"] = *csv;
     }
     if (const std::string* png = args.option("--png")) {
-        const std::string title = pictureTitle(document.material(), formatText("model %d, AARE %.3g %%, RMSE %.3g MPa (points measured, lines model)", model.modelNumber,
-                                                                               100.0 * result.aare, result.rmse));
+        const std::string title = pictureTitle(
+            document.material(), formatText("model %d, AARE %.3g %%, RMSE %.3g MPa (points measured, lines model)",
+                                            model.modelNumber, 100.0 * result.aare, result.rmse));
         const std::optional<std::filesystem::path> drawing = outputs.reserve(*png, error);
         if (!drawing
             || !drawPicture(hotFitScript(title, model), *drawing, kHotPictureWidth, hotFitPictureHeight(model),

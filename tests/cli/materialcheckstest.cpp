@@ -39,7 +39,8 @@ TEST(MaterialChecks, InfoNamesTheElasticPropertiesAndFromJsonTakesThemBack)
 
     // A name at the wrong place is a property mixed up.
     writeBytes(scratch.file("mixed.json"),
-               sampleWith("{\"form\": 1, \"points\": [[0, 210000]]}", "{\"name\": \"density\", \"form\": 1, \"points\": [[0, 210000]]}"));
+               sampleWith("{\"form\": 1, \"points\": [[0, 210000]]}",
+                          "{\"name\": \"density\", \"form\": 1, \"points\": [[0, 210000]]}"));
     EXPECT_TRUE(isOneErrorLine(runCli({"from-json", scratch.file("mixed.json").string(), "-o", out.string()}),
                                "elastic[0].name: expected \"Young's modulus\""));
 }

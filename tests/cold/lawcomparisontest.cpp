@@ -60,7 +60,8 @@ TEST(LawComparison, ALawThatCannotBeUsedRanksLastWithItsReason)
     EXPECT_EQ(last.law, ColdLawId::Hollomon);
     EXPECT_FALSE(last.fitted);
     EXPECT_NE(last.message.find("necking row 39"), std::string::npos) << last.message;
-    EXPECT_TRUE(std::all_of(result.rows.begin(), result.rows.end() - 1, [](const LawComparison& row) { return bool(row.fitted); }));
+    EXPECT_TRUE(std::all_of(result.rows.begin(), result.rows.end() - 1,
+                            [](const LawComparison& row) { return bool(row.fitted); }));
 }
 
 TEST(LawComparison, HeldAtABoundIsFlagged)
