@@ -137,6 +137,31 @@ TEST_F(FitColdOptions, StartsAtTheYieldPointAndPrintsTheRowsItUsed)
     EXPECT_TRUE(isOneErrorLine(runCli(fit("swift", {"--start", "first"})), "or yield"));
 }
 
+TEST_F(FitColdOptions, ATrueCurveStartsAtItsFirstRow)
+{
+    // The measured true curve that --curve-out wrote, read back as true input (its header names it).
+    const std::string written = scratch.file("written.csv").string();
+    ASSERT_EQ(runCli(fit("swift", {"--curve-out", written})).status, 0);
+    std::string curve = readBytes(written);
+    std::string twoColumns = "true_strain,true_stress_MPa\n";
+    for (std::size_t at = curve.find('\n') + 1; at < curve.size();) {
+        const std::size_t end = curve.find('\n', at);
+        const std::string line = curve.substr(at, end - at);
+        twoColumns += line.substr(0, line.rfind(',')) + "\n";
+        at = end + 1;
+    }
+    const fs::path trueCurve = scratch.file("true.csv");
+    writeBytes(trueCurve, twoColumns);
+    std::vector<std::string> args = fit("swift", {"--json"}, trueCurve.string());
+    args[5] = "true";
+    const CliResult fitted = runCli(args);
+    ASSERT_EQ(fitted.status, 0) << fitted.err;
+    const Json::Value rows = parseJson(fitted.out)["rows"];
+    EXPECT_EQ(rows["start"]["row"].asInt(), 0);
+    EXPECT_EQ(rows["start"]["rule"].asString(), "first row");
+    EXPECT_EQ(rows["start"]["strain"].asDouble(), 0.0);
+}
+
 TEST_F(FitColdOptions, ColumnsFollowTheirHeaderNames)
 {
     // The 1045 test with force first and in kN: the same law as from the file as measured.
