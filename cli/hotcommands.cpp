@@ -20,6 +20,7 @@
 #include "hot/hotcsv.h"
 #include "hot/hotmodels.h"
 #include "hot/plastic_17.h"
+#include "hot/zenerhollomon.h"
 #include "hot/processingmap.h"
 #include "material/hotchain.h"
 #include "material/libraryexport.h"
@@ -147,6 +148,20 @@ Json::Value fitHotJson(const HotFitResult& result, const PLASTIC_HOT& model, con
         for (std::size_t i = 0; i < model.parameters.size(); ++i)
             parameters[kNames[i]] = model.parameters[i];
         json["parameters"] = std::move(parameters);
+    }
+    if (const auto* zener = dynamic_cast<const PLASTIC_Zener_Hollomon*>(&model)) {
+        // One set of constants per sample strain.
+        Json::Value orders(Json::arrayValue);
+        for (const ZenerHollomonOrder& order : zener->orders) {
+            Json::Value one(Json::objectValue);
+            one["strain"] = order.strain;
+            one["alpha"] = order.alpha;
+            one["n"] = order.n;
+            one["Q"] = order.Q;
+            one["lnA"] = order.lnA;
+            orders.append(std::move(one));
+        }
+        json["orders"] = std::move(orders);
     }
     Json::Value cellList(Json::arrayValue);
     for (const CellError& cell : cells) {
@@ -422,7 +437,8 @@ std::span<const Command> hotCommands()
             "named on standard error. --curve-out writes every measured point with the model's stress as CSV;\n"
             "--png draws them with gnuplot, a panel per temperature and a colour per rate;\n"
             "--json prints one JSON object (errors, stop reason, the Hensel-Spittel\n"
-            "parameters by name, the errors per cell, file paths) instead of the text.\n",
+            "parameters by name or the Zener-Hollomon constants per strain, the errors per\n"
+            "cell, file paths) instead of the text.\n",
             {{kOutput, "--curves", "--type", "--strains", "--strain-measure", "--strain-offset", "--max-iter",
                  kExport, "--curve-out", "--png"},
                 {kOutput, "--curves", "--type"}, {"MATERIAL.zmat"}, 1, {"--json", "--cell-errors"}},

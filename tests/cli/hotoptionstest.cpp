@@ -74,6 +74,22 @@ TEST_F(HotOptions, ErrorsPerTemperatureAndRateShowWhatTheAverageHides)
     EXPECT_EQ(json["files"]["material"].asString(), file("17.zmat"));
 }
 
+TEST_F(HotOptions, ZenerHollomonConstantsBySampleStrain)
+{
+    const CliResult fitted = fit("50", {"--json"});
+    ASSERT_EQ(fitted.status, 0) << fitted.err;
+    const Json::Value json = parseJson(fitted.out);
+    ASSERT_EQ(json["orders"].size(), 14u);  // 0.05 to 0.7
+    EXPECT_DOUBLE_EQ(json["orders"][0]["strain"].asDouble(), 0.05);
+    for (const Json::Value& order : json["orders"]) {
+        // An activation energy of hot-worked steel lies between 200 and 600 kJ/mol.
+        EXPECT_GT(order["Q"].asDouble(), 2e5);
+        EXPECT_LT(order["Q"].asDouble(), 6e5);
+        EXPECT_GT(order["alpha"].asDouble(), 0.0);
+    }
+    EXPECT_FALSE(json.isMember("parameters"));
+}
+
 TEST_F(HotOptions, CurvesAndPictureOfTheFit)
 {
     const CliResult fitted = fit("161", {"--curve-out", file("curves.csv"), "--png", file("fit.png")});
