@@ -1,14 +1,12 @@
 // The cold flow curve commands: a law fitted to a tensile test, and the tensile
 // solver's job and result.
 
-#include <algorithm>
-#include <array>
 #include <vector>
 
 #include "cli/commands.h"
+#include "cli/fitcold.h"
 #include "cli/materialio.h"
 #include "cli/messages.h"
-#include "cold/curvefile.h"
 #include "material/tensilechain.h"
 
 namespace zelko::cli {
@@ -18,123 +16,10 @@ namespace {
 constexpr std::string_view kOutput = "-o";
 constexpr std::string_view kExport = "--export";
 
-// The law names of the command line, by the tensile screen's list position.
-constexpr std::array<std::string_view, kColdLawListSize> kLawNames = {
-    "", "swift", "hollomon", "ludwik", "kim-tuan", "hockett-sherby", "voce", "el-magd", "voyiadjis-abed"};
-
-// An option's value as its index in names.
-bool choiceOption(const ParsedArguments& args, std::string_view option, std::span<const std::string_view> names,
-                  int& index, std::string& error)
-{
-    const std::string* text = args.option(option);
-    if (!text)
-        return true;
-    int i = 0;
-    for (const std::string_view name : names) {
-        if (*text == name) {
-            index = i;
-            return true;
-        }
-        ++i;
-    }
-    error = "option '" + std::string(option) + "': '" + *text + "' is not one of";
-    for (const std::string_view name : names)
-        error += " " + std::string(name);
-    return false;
-}
-
 // Refused before any work: the second file would silently replace the first.
 bool checkOutputs(const ParsedArguments& args, std::string& error)
 {
     return distinctOutputs(kOutput, *args.option(kOutput), kExport, args.option(kExport), error);
-}
-
-// Stages the material and, when asked, its library entry with the record's model.
-bool stageResults(const ParsedArguments& args, MaterialDocument& document, Project edited, PendingOutputs& outputs,
-                  std::string& error)
-{
-    document.commit(std::move(edited));
-    if (!saveMaterial(outputs, *args.option(kOutput), document, error))
-        return false;
-    if (const std::string* library = args.option(kExport)) {
-        bool wroteModelBlock = false;
-        if (!exportMaterial(outputs, *library, document, wroteModelBlock, error))
-            return false;
-        if (!wroteModelBlock)
-            warn(fileMessage(*library, "the model writes no block of its own; the entry has none"));
-    }
-    return true;
-}
-
-int runFitCold(const ParsedArguments& args)
-{
-    const std::string& materialPath = args.positionals[0];
-    MaterialDocument document;
-    std::string error;
-    if (!checkOutputs(args, error) || !openMaterial(materialPath, document, error))
-        return fail(error);
-    if (const std::string refusal = tensileRecordRefusal(document.material()); !refusal.empty())
-        return fail(fileMessage(materialPath, refusal));
-
-    TensileTest test;
-    int law = 0;
-    static constexpr std::string_view kInputs[] = {"load", "engineering", "true"};
-    static constexpr std::string_view kLengthUnits[] = {"mm", "inch", "percent"};
-    static constexpr std::string_view kForceUnits[] = {"N", "kN", "kgf", "ton", "lbf"};
-    if (!choiceOption(args, "--input", kInputs, test.inputKind, error)
-        || !choiceOption(args, "--length-unit", kLengthUnits, test.lengthUnit, error)
-        || !choiceOption(args, "--force-unit", kForceUnits, test.forceUnit, error)
-        || !choiceOption(args, "--law", kLawNames, law, error)
-        || !numberOption(args, "--diameter", test.diameter, error)
-        || !numberOption(args, "--gauge-length", test.gaugeLength, error))
-        return fail(error);
-    const std::optional<ColdLawId> lawId = coldLawListEntry(law).law;
-    if (!lawId)
-        return fail("option '--law': '' is not a law");
-    // "percent" says what the second unit means for a stress-strain curve.
-    test.lengthUnit = std::min(test.lengthUnit, 1);
-
-    const std::string& curvePath = *args.option("--curve");
-    const auto bytes = readInput(curvePath, error);
-    if (!bytes)
-        return fail(error);
-    std::optional<Curve> curve = readCurveText(*bytes, error);
-    if (!curve)
-        return fail(fileMessage(curvePath, error));
-    test.curve = std::move(*curve);
-    EnteredTest entered = enterTensileTest(document.material(), std::move(test));
-    if (!entered.record)
-        return fail(entered.error);
-
-    const int last = static_cast<int>(entered.record->inputCurve().size()) - 1;
-    TensileFitSettings settings;
-    long long start = 0, necking = 0, iterations = 0;
-    double targetError = 0.0;
-    if ((args.option("--start") && !integerOption(args, "--start", 0, last, start, error))
-        || (args.option("--necking") && !integerOption(args, "--necking", 0, last, necking, error))
-        || (args.option("--max-iter") && !integerOption(args, "--max-iter", 0, 100000000, iterations, error))
-        || (args.option("--target-error") && !numberOption(args, "--target-error", targetError, error)))
-        return fail(error);
-    settings.startIndex = static_cast<int>(start);
-    if (args.option("--necking"))
-        settings.neckingIndex = static_cast<int>(necking);
-    if (args.option("--max-iter"))
-        settings.maxIterations = static_cast<int>(iterations);
-    if (args.option("--target-error"))
-        settings.targetError = targetError;
-    settings.neckingConstraint = args.flag("--necking-constraint");
-    settings.weighted = args.flag("--weighted");
-    settings.polish = args.flag("--polish");
-
-    TensileFit fit = fitTensileLaw(document.material(), std::move(*entered.record), *lawId, settings, document.environment());
-    if (!fit.material)
-        return fail(fileMessage(curvePath, fit.error));
-    PendingOutputs outputs;
-    if (!stageResults(args, document, std::move(*fit.material), outputs, error))
-        return fail(error);
-    if (const int status = printResult(fit.text + "\n"); status != 0)
-        return status;
-    return commitOutputs(outputs);
 }
 
 // The record of the material, ready for the solver.
@@ -177,7 +62,7 @@ int runTensileResult(const ParsedArguments& args)
     if (!result.material)
         return fail(fileMessage(job, tensileResultMessage(result.status)));
     PendingOutputs outputs;
-    if (!stageResults(args, document, std::move(*result.material), outputs, error))
+    if (!stageColdMaterial(*args.option(kOutput), args.option(kExport), document, std::move(*result.material), outputs, error))
         return fail(error);
     return commitOutputs(outputs);
 }
@@ -187,28 +72,53 @@ int runTensileResult(const ParsedArguments& args)
 std::span<const Command> coldCommands()
 {
     static const std::vector<Command> kCommands = {
-        {"fit-cold", "fit a hardening law to a tensile test",
+        {"fit-cold", "fit a hardening law, or compare them all, to a tensile test",
             "Usage: zelko-mat-cli fit-cold MATERIAL.zmat --curve FILE --input load|engineering|true\n"
             "         --diameter D --gauge-length L [--length-unit mm|inch|percent]\n"
-            "         [--force-unit N|kN|kgf|ton|lbf] --law LAW [--start I] [--necking J]\n"
-            "         [--necking-constraint] [--weighted] [--polish] [--max-iter N] [--target-error E]\n"
-            "         -o OUT.zmat [--export LIB.z3dlib]\n"
+            "         [--force-unit N|kN|kgf|ton|lbf] --law LAW|all [--choose LAW]\n"
+            "         [--start I|yield | --start-strain X] [--necking J] [--necking-constraint]\n"
+            "         [--weighted] [--polish] [--max-iter N] [--target-error E]\n"
+            "         [-o OUT.zmat [--export LIB.z3dlib]] [--curve-out FILE.csv] [--png FILE.png]\n"
+            "         [--json]\n"
             "\n"
             "Converts and reduces the curve as the tensile screen does, fits the law and prints\n"
-            "the result as the screen shows it, then stores the tensile record (and with\n"
+            "the result as the screen shows it, then the rows the fit used (start, necking,\n"
+            "fracture) with their strain and stress, and stores the tensile record (and with\n"
             "--export writes the library entry with the fitted law).\n"
             "\n"
             "LAW: swift, hollomon, ludwik, kim-tuan, hockett-sherby, voce, el-magd,\n"
-            "voyiadjis-abed. The curve file holds two or three numbers a line (the third a\n"
-            "weight) separated by blanks, tabs, commas or semicolons; '#' lines and a header\n"
-            "are skipped. Load input is displacement and force; for stress-strain input the\n"
-            "length unit 'inch' (or 'percent') means strains in percent. The necking index\n"
-            "defaults to the point of maximum engineering stress. --polish refines the plain\n"
-            "fit with a bounded Levenberg-Marquardt least-squares solver.\n",
+            "voyiadjis-abed, in any case. --law all fits every law with the same settings and\n"
+            "prints one table ranked by RMSE (MPa, over the fitted points): parameters with\n"
+            "their units ('*' on one held at a bound), the stress at true strains 0.1, 0.5\n"
+            "and 1.0, and whether the law has a library block. With -o it stores the law\n"
+            "named by --choose, else the best law with a library block; -o is required for a\n"
+            "single law only.\n"
+            "\n"
+            "The curve file holds two or three numbers a line (the third a weight) separated\n"
+            "by blanks, tabs, commas or semicolons; '#' lines are skipped. A header line that\n"
+            "names the columns (displacement, force, strain, stress, weight, with units such\n"
+            "as _mm, _inch, _N, _kN, _kgf, _lbf, _MPa, _pct) puts them in order and sets the\n"
+            "units; a header that contradicts --input or a unit option is refused. Other\n"
+            "header words are skipped and the columns taken as x, y, weight. Load input is\n"
+            "displacement and force; for stress-strain input the length unit 'inch' (or\n"
+            "'percent') means strains in percent.\n"
+            "\n"
+            "The start row is I (from 0), 'yield' (the 0.2 % offset yield point, with the\n"
+            "elastic slope taken from the curve itself), or the first row whose strain reaches\n"
+            "X. By default it is the yield point for load and engineering input and row 0 for\n"
+            "a true curve. The necking index defaults to the point of maximum engineering\n"
+            "stress. --polish refines the plain fit with a bounded Levenberg-Marquardt\n"
+            "least-squares solver.\n"
+            "\n"
+            "--curve-out writes the measured true curve and the fitted law(s) as CSV; --png\n"
+            "draws them with gnuplot ($ZELKO_GNUPLOT, else gnuplot on the PATH), over the\n"
+            "measured range and extrapolated to true strain 1. --json prints one JSON object\n"
+            "(parameters by name, errors, rows, file paths) instead of the text.\n",
             {{"--curve", "--input", "--diameter", "--gauge-length", "--length-unit", "--force-unit", "--law",
-                 "--start", "--necking", "--max-iter", "--target-error", kOutput, kExport},
-                {"--curve", "--input", "--diameter", "--gauge-length", "--law", kOutput}, {"MATERIAL.zmat"}, 1,
-                {"--necking-constraint", "--weighted", "--polish"}},
+                 "--choose", "--start", "--start-strain", "--necking", "--max-iter", "--target-error", kOutput, kExport,
+                 "--curve-out", "--png"},
+                {"--curve", "--input", "--diameter", "--gauge-length", "--law"}, {"MATERIAL.zmat"}, 1,
+                {"--necking-constraint", "--weighted", "--polish", "--json"}},
             runFitCold},
         {"tensile-job", "write (and start) the tensile solver's job",
             "Usage: zelko-mat-cli tensile-job MATERIAL.zmat --job PATH.tnsprj [--run]\n"

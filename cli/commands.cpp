@@ -53,7 +53,8 @@ int runInfo(const ParsedArguments& args)
     if (!openMaterial(args.positionals[0], document, error))
         return fail(error);
     const FileVersion version = document.version();
-    return printResult(jsonText(materialToJson(document.material(), version.major, version.minor)));
+    return printResult(
+        jsonText(materialToJson(document.material(), version.major, version.minor, args.flag("--names"))));
 }
 
 int runFromJson(const ParsedArguments& args)
@@ -188,13 +189,14 @@ std::span<const Command> materialCommands()
 {
     static const std::vector<Command> kCommands = {
         {"info", "print a material as JSON",
-            "Usage: zelko-mat-cli info MATERIAL.zmat\n"
+            "Usage: zelko-mat-cli info MATERIAL.zmat [--names]\n"
             "\n"
             "Prints the material as one JSON object: title (as held, line end included),\n"
             "version [major, minor] of the file, elastic (four {\"form\", \"points\"} objects:\n"
             "Young's modulus, Poisson's ratio, density, thermal expansion), model (null, or\n"
-            "its kind, number and record data), conductivity and heatCapacity ([[T, V], ...]).\n",
-            {{}, {}, {"MATERIAL.zmat"}, 1}, runInfo},
+            "its kind, number and record data), conductivity and heatCapacity ([[T, V], ...]).\n"
+            "With --names each elastic object also says which property it is (\"name\").\n",
+            {{}, {}, {"MATERIAL.zmat"}, 1, {"--names"}}, runInfo},
         {"from-json", "write a material from its JSON form",
             "Usage: zelko-mat-cli from-json MATERIAL.json -o OUT.zmat\n"
             "\n"
@@ -203,7 +205,10 @@ std::span<const Command> materialCommands()
             "be [major, minor] and is not used (the file is written in the current layout);\n"
             "model must be null or absent. The title is written as held, so a title ending\n"
             "in a line end is followed by an empty line. A title longer than 255 UTF-16\n"
-            "units is an error.\n",
+            "units is an error. Temperatures must rise in every table; Young's modulus,\n"
+            "density, conductivity and heat capacity must be above 0 and Poisson's ratio\n"
+            "from 0 to below 0.5. An elastic object may carry the \"name\" 'info --names'\n"
+            "prints.\n",
             {{kOutput}, {kOutput}, {"MATERIAL.json"}, 1}, runFromJson},
         {"new", "write a new material, optionally from the presets",
             "Usage: zelko-mat-cli new -o OUT.zmat [--title TEXT] [--elastic steel|aluminum]\n"

@@ -45,6 +45,22 @@ bool exportMaterial(PendingOutputs& outputs, const std::string& path, const Mate
     return false;
 }
 
+bool stageColdMaterial(const std::string& path, const std::string* library, MaterialDocument& document,
+                       Project edited, PendingOutputs& outputs, std::string& error)
+{
+    document.commit(std::move(edited));
+    if (!saveMaterial(outputs, path, document, error))
+        return false;
+    if (library) {
+        bool wroteModelBlock = false;
+        if (!exportMaterial(outputs, *library, document, wroteModelBlock, error))
+            return false;
+        if (!wroteModelBlock)
+            warn(fileMessage(*library, "the model writes no block of its own; the entry has none"));
+    }
+    return true;
+}
+
 int commitOutputs(PendingOutputs& outputs)
 {
     std::string reason;
@@ -61,6 +77,16 @@ bool distinctOutputs(std::string_view option, const std::string& path, std::stri
         return true;
     error = fileMessage(*other, "'" + std::string(option) + "' and '" + std::string(otherOption) + "' name the same file");
     return false;
+}
+
+bool distinctOutputs(const ParsedArguments& args, std::span<const std::string_view> options, std::string& error)
+{
+    for (std::size_t i = 0; i < options.size(); ++i)
+        for (std::size_t j = i + 1; j < options.size(); ++j)
+            if (const std::string* first = args.option(options[i]);
+                first && !distinctOutputs(options[i], *first, options[j], args.option(options[j]), error))
+                return false;
+    return true;
 }
 
 }  // namespace zelko::cli

@@ -4,10 +4,12 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
 #include "base/fileio.h"
+#include "cli/arguments.h"
 #include "material/document.h"
 
 namespace zelko::cli {
@@ -29,10 +31,18 @@ std::optional<std::string> readInput(
 // The library entry; wroteModelBlock tells whether the model had a block of its own.
 [[nodiscard]] bool exportMaterial(PendingOutputs& outputs, const std::string& path, const MaterialDocument& document,
                                   bool& wroteModelBlock, std::string& error);
+// Stages the edited material and, when a library path is given, its entry; an
+// entry without a model block of its own is told about.
+[[nodiscard]] bool stageColdMaterial(const std::string& path, const std::string* library, MaterialDocument& document,
+                                     Project edited, PendingOutputs& outputs, std::string& error);
 // Puts the staged outputs in place; the exit status, 1 with an error line naming the file.
 int commitOutputs(PendingOutputs& outputs);
 // Two output options must not name one file, however it is spelt.
 [[nodiscard]] bool distinctOutputs(std::string_view option, const std::string& path, std::string_view otherOption,
                                    const std::string* other, std::string& error);
+
+// No two of the output options given name one file.
+[[nodiscard]] bool distinctOutputs(const ParsedArguments& args, std::span<const std::string_view> options,
+                                   std::string& error);
 
 }  // namespace zelko::cli

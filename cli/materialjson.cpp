@@ -1,6 +1,7 @@
 #include "cli/materialjson.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdlib>
 #include <initializer_list>
@@ -111,7 +112,17 @@ bool readNumber(const Json::Value& value, const std::string& where, double& numb
     return true;
 }
 
-bool readPoints(const Json::Value& value, const std::string& where, PropertyTable& points, std::string& error)
+// What a value of a property may be: a modulus, density, conductivity or heat
+// capacity at or below zero is a typing mistake, not a material.
+enum class ValueRule { Any, Positive, PoissonRatio };
+
+constexpr std::array<const char*, kElasticPropertyCount> kElasticNames = {"Young's modulus", "Poisson's ratio",
+                                                                          "density", "thermal expansion"};
+constexpr std::array<ValueRule, kElasticPropertyCount> kElasticRules = {ValueRule::Positive, ValueRule::PoissonRatio,
+                                                                        ValueRule::Positive, ValueRule::Any};
+
+bool readPoints(const Json::Value& value, const std::string& where, PropertyTable& points, std::string& error,
+                ValueRule rule = ValueRule::Positive)
 {
     if (!value.isArray())
         return complain(error, where, "expected an array of [temperature, value] pairs");
@@ -126,6 +137,15 @@ bool readPoints(const Json::Value& value, const std::string& where, PropertyTabl
         if (!readNumber(pair[0], at + "[0]", point.temperature, error)
             || !readNumber(pair[1], at + "[1]", point.value, error))
             return false;
+        // Tables are looked up by temperature: a repeated or falling one has no meaning.
+        if (!points.empty() && !(point.temperature > points.back().temperature))
+            return complain(error, at + "[0]",
+                            formatText("temperature %g does not follow %g; temperatures must rise", point.temperature,
+                                       points.back().temperature));
+        if (rule == ValueRule::Positive && !(point.value > 0.0))
+            return complain(error, at + "[1]", formatText("%g is not above 0", point.value));
+        if (rule == ValueRule::PoissonRatio && !(point.value >= 0.0 && point.value < 0.5))
+            return complain(error, at + "[1]", formatText("Poisson's ratio %g is outside 0 to 0.5", point.value));
         points.push_back(point);
     }
     return true;
@@ -163,13 +183,16 @@ bool readElastic(const Json::Value& value, ELASTIC& elastic, std::string& error)
         const Json::Value& property = value[static_cast<Json::ArrayIndex>(i)];
         if (!property.isObject())
             return complain(error, where, "expected {\"form\": F, \"points\": [[T, V], ...]}");
-        if (!checkMembers(property, where, {"form", "points"}, {"form", "points"}, error))
+        if (!checkMembers(property, where, {"name", "form", "points"}, {"form", "points"}, error))
             return false;
+        // The name 'info --names' prints must stand at its own place.
+        if (property.isMember("name") && property["name"] != kElasticNames[k])
+            return complain(error, where + ".name", std::string("expected \"") + kElasticNames[k] + "\"");
         const Json::Value& form = property["form"];
         if (!form.isInt() || (form.asInt() != 1 && form.asInt() != 2))
             return complain(error, where + ".form", "expected 1 (a constant) or 2 (a table against temperature)");
         PropertyTable points;
-        if (!readPoints(property["points"], where + ".points", points, error))
+        if (!readPoints(property["points"], where + ".points", points, error, kElasticRules[k]))
             return false;
         // The file keeps only the first point of a constant; more would be lost silently.
         if (form.asInt() == 1 && points.size() > 1)
@@ -216,7 +239,7 @@ int documentPrecision(const Json::Value& value)
 
 }  // namespace
 
-Json::Value materialToJson(const Project& project, int major, int minor)
+Json::Value materialToJson(const Project& project, int major, int minor, bool names)
 {
     Json::Value json(Json::objectValue);
     json["title"] = utf16ToUtf8(project.title);
@@ -227,6 +250,8 @@ Json::Value materialToJson(const Project& project, int major, int minor)
     Json::Value elastic(Json::arrayValue);
     for (std::size_t i = 0; i < project.elastic->tables.size(); ++i) {
         Json::Value property(Json::objectValue);
+        if (names && i < kElasticNames.size())
+            property["name"] = kElasticNames[i];
         property["form"] = project.elastic->propertyType[i];
         property["points"] = pointsToJson(project.elastic->tables[i]);
         elastic.append(std::move(property));

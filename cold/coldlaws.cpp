@@ -113,18 +113,24 @@ void PLASTIC_3::estimateStart(const FitPoints& points, double* q) const
     }
 }
 
+bool PLASTIC_3::hasNeckingReading() const
+{
+    const Curve& curve = curves[TrueCurve];
+    if (neckingIndex < 0 || static_cast<std::size_t>(neckingIndex) >= curve.size())
+        return false;
+    const CurvePoint& neck = curve[static_cast<std::size_t>(neckingIndex)];
+    return neck.x > 0.0 && std::isfinite(neck.x) && std::isfinite(neck.y);
+}
+
 bool PLASTIC_3::fitNeckingConstrained(const RunControl&)
 {
     // Considere for K eps^n: n equals the necking strain. The point is the true
     // curve's at the necking index itself, not counted from the start index.
     parameters.resize(parameterCount());
-    const Curve& curve = curves[TrueCurve];
-    if (neckingIndex >= 0 && static_cast<std::size_t>(neckingIndex) < curve.size()) {
-        const CurvePoint& neck = curve[static_cast<std::size_t>(neckingIndex)];
-        if (neck.x > 0.0 && std::isfinite(neck.x) && std::isfinite(neck.y)) {
-            parameters[1] = neck.x;
-            parameters[0] = neck.y / std::pow(neck.x, neck.x);
-        }
+    if (hasNeckingReading()) {
+        const CurvePoint& neck = curves[TrueCurve][static_cast<std::size_t>(neckingIndex)];
+        parameters[1] = neck.x;
+        parameters[0] = neck.y / std::pow(neck.x, neck.x);
     }
     fitError = objective(parameters, fittedPoints().size());
     return true;

@@ -37,6 +37,9 @@ public:
     bool writeLibraryBlock(TextWriter& out, int version) const override;
     // Closed form from the necking condition at the record's necking index.
     bool fitNeckingConstrained(const RunControl& control = {}) override;
+    // Whether the true curve has a usable point at the necking index for that
+    // closed form; a curve rebuilt from a later start row is too short for it.
+    bool hasNeckingReading() const;
 
 protected:
     void estimateStart(const FitPoints& points, double* p) const override;

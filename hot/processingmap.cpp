@@ -217,7 +217,8 @@ TextWriter processingMapData(const ProcessingMap& map, std::size_t k)
     return out;
 }
 
-TextWriter processingMapScript(const PLASTIC_HOT& dataSet, double contourStep, const std::string& dataPath)
+TextWriter processingMapScript(const PLASTIC_HOT& dataSet, double contourStep, const std::string& dataPath,
+                               const MapPictureLabels& labels)
 {
     const auto finite = [](double v) { return std::isfinite(v) ? v : 0.0; };
     const double t0 = dataSet.temperatures.empty() ? 0.0 : dataSet.temperatures.front();
@@ -226,9 +227,13 @@ TextWriter processingMapScript(const PLASTIC_HOT& dataSet, double contourStep, c
     const double l1 = dataSet.strainRates.empty() ? 0.0 : finite(std::log10(dataSet.strainRates.back()));
     const std::string file = gnuplotQuoted(dataPath);
     TextWriter out(TextEncoding::EightBit);
-    out.put(std::string_view("reset\n"
-                             "set multiplot layout 1, 2 title \"Processing map\" font \",20\" offset 0, -2\n"
-                             "unset key\n"
+    if (labels.title.empty())
+        out.put(std::string_view("reset\n"
+                                 "set multiplot layout 1, 2 title \"Processing map\" font \",20\" offset 0, -2\n"));
+    else
+        out.put(std::string_view("reset\nset encoding utf8\nset multiplot layout 1, 2 title " + gnuplotQuoted(labels.title)
+                                 + " font \",18\" offset 0, -2\nset cblabel \"efficiency (%)\" font \",12\"\n"));
+    out.put(std::string_view("unset key\n"
                              "\n"
                              "set title \"Power dissipation map\" font \",16\"\n"
                              "set xlabel \"Temperature\" font \",14\"\n"
@@ -254,6 +259,8 @@ TextWriter processingMapScript(const PLASTIC_HOT& dataSet, double contourStep, c
                              "set contour base\n"
                              "set cntrlabel start 10 interval 500 font \",11\"\n"
                              "set cbrange [: 0 ] noreverse writeback\n"));
+    if (!labels.title.empty())
+        out.put(std::string_view("set cblabel \"-2 unstable, -1 no rate sensitivity\" font \",12\"\n"));
     out.format("splot [%g:%g][%g:%g][:0]", t0, t1, l0, l1);
     out.put(std::string_view(file + " using 1:2:4\n"
                                     "unset multiplot\n"));
@@ -264,15 +271,15 @@ namespace {
 
 // Both files, in a folder made when missing.
 bool writeMapFiles(const ProcessingMap& map, std::size_t k, const PLASTIC_HOT& dataSet, double contourStep,
-                   const ProcessingMapFiles& files, std::string& error)
+                   const ProcessingMapFiles& files, std::string& error, const MapPictureLabels& labels = {})
 {
     if (k >= map.strains.size()) {
         error = map.strains.empty() ? "no sample strains" : "no such sample strain";
         return false;
     }
     return ensureFolder(files.data.parent_path(), error) && saveFileAtomically(files.data, processingMapData(map, k).bytes(), error)
-           && saveFileAtomically(files.script, processingMapScript(dataSet, contourStep, files.data.string()).bytes(),
-                                 error);
+           && saveFileAtomically(files.script,
+                                 processingMapScript(dataSet, contourStep, files.data.string(), labels).bytes(), error);
 }
 
 }  // namespace
@@ -289,7 +296,7 @@ std::optional<ProcessingMapFiles> writeProcessingMapFiles(const ProcessingMap& m
 
 RenderEnd renderProcessingMapPng(const ProcessingMap& map, std::size_t k, const PLASTIC_HOT& dataSet,
                                  double contourStep, const PngRequest& picture, const Environment& environment,
-                                 const RunControl& control, std::string& error)
+                                 const RunControl& control, std::string& error, const MapPictureLabels& labels)
 {
     // Its own data file and script: another map drawn meanwhile in the same
     // folder writes the described files again.
@@ -297,7 +304,7 @@ RenderEnd renderProcessingMapPng(const ProcessingMap& map, std::size_t k, const 
     const ProcessingMapFiles files{environment.exchangeFolder / (stem + ".dat"),
                                    environment.exchangeFolder / (stem + ".txt")};
     RenderEnd end = RenderEnd::Failed;
-    if (writeMapFiles(map, k, dataSet, contourStep, files, error)) {
+    if (writeMapFiles(map, k, dataSet, contourStep, files, error, labels)) {
         PngRequest request = picture;
         request.script = files.script;
         end = renderGnuplotPng(request, environment, control, error);

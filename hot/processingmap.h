@@ -70,8 +70,15 @@ void appendFixed10(std::string& line, double value);
 // (T, log10 rate, η, flag) a node, an empty line after each temperature node.
 // 8-bit text, since gnuplot cannot read UTF-16.
 TextWriter processingMapData(const ProcessingMap& map, std::size_t k);
+// What a picture of the map says beyond the exchange folder's script: a title
+// naming material, model and strain, and labelled colour bars. Empty: the script
+// as the external plot has always had it.
+struct MapPictureLabels {
+    std::string title;
+};
 // "processing_map.txt": draws both maps from the data file at dataPath.
-TextWriter processingMapScript(const PLASTIC_HOT& dataSet, double contourStep, const std::string& dataPath);
+TextWriter processingMapScript(const PLASTIC_HOT& dataSet, double contourStep, const std::string& dataPath,
+                               const MapPictureLabels& labels = {});
 
 struct ProcessingMapFiles {
     std::filesystem::path data;
@@ -89,6 +96,6 @@ std::optional<ProcessingMapFiles> writeProcessingMapFiles(const ProcessingMap& m
 // afterwards, so maps drawn at once never read each other's.
 RenderEnd renderProcessingMapPng(const ProcessingMap& map, std::size_t k, const PLASTIC_HOT& dataSet,
                                  double contourStep, const PngRequest& picture, const Environment& environment,
-                                 const RunControl& control, std::string& error);
+                                 const RunControl& control, std::string& error, const MapPictureLabels& labels = {});
 
 }  // namespace zelko

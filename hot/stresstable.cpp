@@ -157,13 +157,17 @@ HotStressTable::HotStressTable(const PLASTIC_HOT& dataSet)
     }
 }
 
-FitError fitErrorOf(const PLASTIC_HOT& model, const HotStressTable& table)
+namespace {
+
+// Sums of |relative| and squared differences over the cells [t0, t1) x [r0, r1).
+FitError errorOver(const PLASTIC_HOT& model, const HotStressTable& table, std::size_t t0, std::size_t t1,
+                   std::size_t r0, std::size_t r1)
 {
     FitError error;
     double relative = 0.0;
     double squares = 0.0;
-    for (std::size_t t = 0; t < table.temperatureCount(); ++t)
-        for (std::size_t r = 0; r < table.rateCount(); ++r)
+    for (std::size_t t = t0; t < t1; ++t)
+        for (std::size_t r = r0; r < r1; ++r)
             for (std::size_t k = 0; k < table.strainCount(); ++k) {
                 if (!table.usable(t, r, k))
                     continue;
@@ -185,6 +189,18 @@ FitError fitErrorOf(const PLASTIC_HOT& model, const HotStressTable& table)
     error.aare = std::isfinite(error.aare) ? std::min(error.aare, kHuge) : kHuge;
     error.rmse = std::isfinite(error.rmse) ? std::min(error.rmse, kHuge) : kHuge;
     return error;
+}
+
+}  // namespace
+
+FitError fitErrorOf(const PLASTIC_HOT& model, const HotStressTable& table)
+{
+    return errorOver(model, table, 0, table.temperatureCount(), 0, table.rateCount());
+}
+
+FitError cellFitErrorOf(const PLASTIC_HOT& model, const HotStressTable& table, std::size_t t, std::size_t r)
+{
+    return errorOver(model, table, t, t + 1, r, r + 1);
 }
 
 void recordFitRanges(PLASTIC_HOT& model)

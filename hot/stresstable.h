@@ -77,6 +77,8 @@ struct FitError {
     std::size_t count = 0;
 };
 FitError fitErrorOf(const PLASTIC_HOT& model, const HotStressTable& table);
+// The same over one cell's entries.
+FitError cellFitErrorOf(const PLASTIC_HOT& model, const HotStressTable& table, std::size_t t, std::size_t r);
 
 // On the model a fit builds: the sample-strain range, the auxiliary range (the
 // auxiliary list's, else the temperatures'), and the largest measured stress.

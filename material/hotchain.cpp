@@ -1,6 +1,7 @@
 #include "material/hotchain.h"
 
 #include "hot/celltypes.h"
+#include "hot/stresstable.h"
 
 namespace zelko {
 
@@ -64,6 +65,18 @@ std::shared_ptr<const PLASTIC_HOT> refitHotModel(const HotDataSet& dataSet, cons
     if (control.stopRequested())
         return nullptr;
     return std::make_shared<PLASTIC_HOT>(dataSet);
+}
+
+std::vector<CellError> cellErrorsOf(const PLASTIC_HOT& model)
+{
+    const HotStressTable table(model);
+    std::vector<CellError> cells;
+    for (std::size_t t = 0; t < table.temperatureCount(); ++t)
+        for (std::size_t r = 0; r < table.rateCount(); ++r) {
+            const FitError error = cellFitErrorOf(model, table, t, r);
+            cells.push_back({model.temperatures[t], model.strainRates[r], error.aare, error.rmse, error.count});
+        }
+    return cells;
 }
 
 }  // namespace zelko

@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "base/runcontrol.h"
 #include "hot/hotmodels.h"
@@ -27,6 +28,17 @@ struct HotCurvesFit {
 // holes.
 HotCurvesFit fitHotCurves(const Project& material, const HotDataSet& dataSet, HotModelId id,
                           const HotFitOptions& options, const RunControl& control = {});
+
+// The error of a fitted model in one test cell, over the cell's usable entries of
+// the stress table (the measures of the whole fit, cell by cell).
+struct CellError {
+    double temperature = 0.0;
+    double strainRate = 0.0;
+    double aare = 0.0;  // fraction
+    double rmse = 0.0;  // MPa
+    std::size_t count = 0;
+};
+std::vector<CellError> cellErrorsOf(const PLASTIC_HOT& model);
 
 // The stored type fitted again to the stored data set; for a type without a law
 // (or one that can't be fitted) the data set itself, whose measured curves serve.

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "cold/coldfit.h"
+#include "cold/lawcomparison.h"
 #include "cold/tensilereduction.h"
 
 namespace zelko {
@@ -74,34 +75,46 @@ EnteredTest enterTensileTest(const Project& material, TensileTest test)
 
 namespace {
 
+void applySettings(const TensileFitSettings& settings, RoomOri& record)
+{
+    record.startIndex = settings.startIndex.value_or(record.startIndex);
+    record.neckingIndex = settings.neckingIndex.value_or(maximumStressIndex(record.curves[EngineeringCurve]));
+    record.endIndex = settings.endIndex.value_or(static_cast<int>(record.inputCurve().size()) - 1);
+    record.maxIterations = settings.maxIterations.value_or(record.maxIterations);
+    record.targetError = settings.targetError.value_or(record.targetError);
+    record.neckingConstraint = settings.neckingConstraint;
+    record.weighted = settings.weighted;
+    record.polishWithLeastSquares = settings.polish;
+}
+
 // Fits the law to record, a copy of the entered record that the fit may change.
 TensileFit fitRecord(const Project& material, std::shared_ptr<RoomOri> record, ColdLawId law,
                      const TensileFitSettings& settings, const Environment& environment, const RunControl& control)
 {
-    record->startIndex = settings.startIndex.value_or(record->startIndex);
-    record->neckingIndex = settings.neckingIndex.value_or(maximumStressIndex(record->curves[EngineeringCurve]));
-    record->endIndex = settings.endIndex.value_or(static_cast<int>(record->inputCurve().size()) - 1);
-    record->maxIterations = settings.maxIterations.value_or(record->maxIterations);
-    record->targetError = settings.targetError.value_or(record->targetError);
-    record->neckingConstraint = settings.neckingConstraint;
-    record->weighted = settings.weighted;
-    record->polishWithLeastSquares = settings.polish;
-
+    applySettings(settings, *record);
     TensileFit fit;
-    const ColdFitResult result = fitColdLaw(*record, law, control);
+    ColdFitResult result = fitColdLaw(*record, law, control);
     if (!result.law) {
         fit.error = result.message;
         fit.cancelled = result.cancelled;
         return fit;
     }
-    applyColdFit(result, *record);
+    if (std::string refusal = fittedLawRefusal(*result.law); !refusal.empty()) {
+        fit.error = std::move(refusal);
+        return fit;
+    }
     if (law == ColdLawId::Swift) {
         // The table is a convenience beside the fit: no folder, no table.
         std::string ignored;
         writeSwiftComparisonTable(*result.law, environment.exchangeFolder, ignored);
     }
-    fit.text = result.text;
+    // What applyColdFit leaves, without copies of a long curve: the rebuilt true
+    // curve moves into the record, and the fit's own law becomes its held model.
+    if (result.trueCurve)
+        record->curves[TrueCurve] = std::move(*result.trueCurve);
     fit.law = result.law;
+    record->heldModel = std::move(result.law);
+    fit.text = std::move(result.text);
     fit.material = withRecord(material, std::move(record));
     return fit;
 }
@@ -121,6 +134,18 @@ TensileFit fitTensileLaw(const Project& material, RoomOri&& entered, ColdLawId l
     if (typeid(entered) != typeid(RoomOri))
         return fitTensileLaw(material, std::as_const(entered), law, settings, environment, control);
     return fitRecord(material, std::make_shared<RoomOri>(std::move(entered)), law, settings, environment, control);
+}
+
+LawComparisonResult compareTensileLaws(const RoomOri& entered, const TensileFitSettings& settings,
+                                       const RunControl& control)
+{
+    // The settings go onto a copy of the record, as for a single fit. The laws
+    // rebuild their curve from the engineering one: each fit's copy of the record
+    // need not hold the load-displacement curve too.
+    RoomOri record = static_cast<const RoomOri&>(entered);
+    applySettings(settings, record);
+    Curve().swap(record.curves[LoadDisplacement]);
+    return compareColdLaws(record, control);
 }
 
 std::shared_ptr<RoomOri> tensileJobRecord(const Project& material, std::string& error)

@@ -13,6 +13,7 @@
 #include "base/environment.h"
 #include "base/runcontrol.h"
 #include "cold/coldlaws.h"
+#include "cold/lawcomparison.h"
 #include "cold/plastic_8.h"
 #include "material/project.h"
 
@@ -58,7 +59,7 @@ struct TensileFitSettings {
 
 struct TensileFit {
     std::optional<Project> material;  // the record with its fitted law; empty when nothing was fitted
-    std::shared_ptr<const ColdLaw> law;
+    std::shared_ptr<const ColdLaw> law;  // the law the material's record holds, not a copy of a long curve
     std::string text;   // the result, as the screen shows it
     std::string error;  // why nothing was fitted
     bool cancelled = false;
@@ -70,6 +71,11 @@ TensileFit fitTensileLaw(const Project& material, const RoomOri& record, ColdLaw
 // The same for a caller that needs the entered record no more (its curves are moved, not copied).
 TensileFit fitTensileLaw(const Project& material, RoomOri&& record, ColdLawId law, const TensileFitSettings& settings,
                          const Environment& environment, const RunControl& control = {});
+
+// Every law fitted to a record from enterTensileTest with the same settings, ranked
+// (see compareColdLaws); the record is left as it was.
+LawComparisonResult compareTensileLaws(const RoomOri& record, const TensileFitSettings& settings,
+                                       const RunControl& control = {});
 
 // The material's record ready for the tensile solver: its load-displacement
 // curve derived when it has none. Empty with error when there is no record.

@@ -282,6 +282,31 @@ TEST(ProcessingMapFiles, ScriptLines)
               "unset multiplot\n");
 }
 
+TEST(ProcessingMapFiles, APictureIsTitledAndItsColourBarsLabelled)
+{
+    PLASTIC_HOT dataSet;
+    dataSet.temperatures = {1050, 1250};
+    dataSet.strainRates = {0.001, 5};
+    const std::string plain = test::textOf(processingMapScript(dataSet, 2.5, "map.dat"));
+    const std::string titled
+        = test::textOf(processingMapScript(dataSet, 2.5, "map.dat", MapPictureLabels{"Steel 'A' - model 161, true strain 0.5"}));
+    EXPECT_EQ(titled.find("\"Processing map\""), std::string::npos);
+    EXPECT_NE(titled.find("set multiplot layout 1, 2 title 'Steel ''A'' - model 161, true strain 0.5' font"),
+              std::string::npos);
+    // One label before each map's splot, in that order.
+    const auto efficiency = titled.find("set cblabel \"efficiency (%)\"");
+    const auto flag = titled.find("set cblabel \"-2 unstable, -1 no rate sensitivity\"");
+    const auto secondMap = titled.find("set title \"Instability map\"");
+    ASSERT_NE(efficiency, std::string::npos);
+    ASSERT_NE(flag, std::string::npos);
+    EXPECT_LT(efficiency, titled.find("splot"));
+    EXPECT_LT(secondMap, flag);
+    // Everything else is the script as written for the exchange folder.
+    EXPECT_EQ(titled.substr(titled.find("unset key")), plain.substr(plain.find("unset key")).insert(
+        plain.substr(plain.find("unset key")).find("splot [1050:1250][-3:0.69897][:0]"),
+        "set cblabel \"-2 unstable, -1 no rate sensitivity\" font \",12\"\n"));
+}
+
 using MapFolderTest = test::TemporaryFolderTest;
 
 LawModel curvedModel()

@@ -50,6 +50,33 @@ TEST(HotChain, FitsIntoANewMaterialAndLeavesTheStartingOneAsItWas)
     EXPECT_EQ(fitted.material->title, u"hot series");
 }
 
+TEST(HotChain, CellErrorsMakeUpTheFitsError)
+{
+    HotFitOptions options;
+    options.maxIterations = 200;
+    const HotCurvesFit fitted = fitHotCurves(materialWithTitle(), steelDataSet(), HotModelId::Type17, options);
+    ASSERT_TRUE(fitted.fit.model) << fitted.error;
+    const std::vector<CellError> cells = cellErrorsOf(*fitted.fit.model);
+    ASSERT_EQ(cells.size(), 9u);
+    EXPECT_EQ(cells[5].temperature, 1000.0);  // temperatures outside, rates inside
+    EXPECT_EQ(cells[5].strainRate, 1.0);
+    // Weighted by their entries, the cells give the whole fit's AARE and RMSE.
+    double relative = 0.0, squares = 0.0;
+    std::size_t count = 0;
+    bool differ = false;
+    for (const CellError& cell : cells) {
+        relative += cell.aare * static_cast<double>(cell.count);
+        squares += cell.rmse * cell.rmse * static_cast<double>(cell.count);
+        count += cell.count;
+        differ = differ || cell.aare != cells.front().aare;
+    }
+    const HotFitResult& whole = fitted.fit.result;
+    EXPECT_EQ(count, whole.compared);
+    EXPECT_NEAR(relative / static_cast<double>(count), whole.aare, 1e-12);
+    EXPECT_NEAR(std::sqrt(squares / static_cast<double>(count)), whole.rmse, 1e-9);
+    EXPECT_TRUE(differ);  // one law does not fit every cell equally
+}
+
 TEST(HotChain, ACellWithoutCurveOrAStoppedFitGivesNoMaterial)
 {
     const Project material = materialWithTitle();

@@ -59,11 +59,35 @@ TEST(TensileChain, FitsIntoANewMaterialWithTheLawItExports)
     EXPECT_EQ(record->startIndex, kStart1045);
     EXPECT_EQ(record->neckingIndex, maximumStressIndex(record->curves[EngineeringCurve]));
     EXPECT_FALSE(record->curves[TrueCurve].empty());
+    // The fitted law is the record's held model itself: a long true curve is not held a third time.
+    EXPECT_EQ(fit.law.get(), record->heldModel.get());
     ASSERT_TRUE(fit.material->libraryModel());
     EXPECT_EQ(fit.material->libraryModel()->modelNumber, 1);
     EXPECT_TRUE(libraryEntryBytes(*fit.material).hasModelBlock);
     // The Swift fit leaves its comparison table in the exchange folder it was given.
     EXPECT_TRUE(std::filesystem::exists(folder.path() / "ZELKO_MAT_PL1.dat"));
+}
+
+TEST(TensileChain, HollomonNeckingConstraintWithoutItsPointFitsNothing)
+{
+    const test::TemporaryFolder folder;
+    const Project material = coldMaterial();
+    const EnteredTest entered = enterTensileTest(material, steel1045());
+    ASSERT_TRUE(entered.record) << entered.error;
+    TensileFitSettings settings;
+    settings.neckingConstraint = true;
+    // From a later start the rebuilt true curve ends before the necking row: no K = n = 0 law.
+    settings.startIndex = kStart1045;
+    const TensileFit late = fitTensileLaw(material, *entered.record, ColdLawId::Hollomon, settings, folder.environment());
+    EXPECT_FALSE(late.material);
+    EXPECT_NE(late.error.find("necking row 416"), std::string::npos) << late.error;
+    // From row 0 the point exists and the closed form gives a law.
+    settings.startIndex = 0;
+    const TensileFit whole = fitTensileLaw(material, *entered.record, ColdLawId::Hollomon, settings, folder.environment());
+    ASSERT_TRUE(whole.material) << whole.error;
+    ASSERT_TRUE(whole.law);
+    EXPECT_GT(whole.law->parameters[0], 0.0);
+    EXPECT_GT(whole.law->parameters[1], 0.0);
 }
 
 TEST(TensileChain, ACallerDoneWithItsCurveHandsItOverWithoutACopy)
