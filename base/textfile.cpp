@@ -1,6 +1,7 @@
 #include "base/textfile.h"
 
 #include <algorithm>
+#include <cstring>
 #include <cstdarg>
 #include <type_traits>
 #include <utility>
@@ -9,18 +10,8 @@ namespace zelko {
 
 std::string formatTextV(const char* fmt, va_list args)
 {
-    va_list copy;
-    va_copy(copy, args);
-    char small[512];
-    const int needed = formatInCLocale(small, sizeof small, fmt, copy);
-    va_end(copy);
-    if (needed < 0)
-        return {};
-    if (static_cast<std::size_t>(needed) < sizeof small)
-        return std::string(small, static_cast<std::size_t>(needed));
-    std::string out(static_cast<std::size_t>(needed) + 1, '\0');
-    formatInCLocale(out.data(), out.size(), fmt, args);
-    out.resize(static_cast<std::size_t>(needed));
+    std::string out;
+    appendFormattedV(out, fmt, args);
     return out;
 }
 
@@ -67,23 +58,42 @@ std::u16string joinCrLf(std::u16string text)
 
 namespace {
 
-// Units as UTF-16LE with "\n" as "\r\n", appended to out.
+// Units as UTF-16LE with "\n" as "\r\n", appended to out. Encoded a block at a
+// time on the stack and appended whole: no zero-filled room, no growth per unit.
 template <class Unit>
 void appendUtf16Le(std::string& out, std::basic_string_view<Unit> text)
 {
-    const std::size_t at = out.size();
-    out.resize(at + text.size() * 4);  // every unit a line end at the most
-    char* o = out.data() + at;
-    for (const Unit unit : text) {
-        const auto c = static_cast<char16_t>(static_cast<std::make_unsigned_t<Unit>>(unit));
-        if (c == u'\n') {
-            *o++ = '\r';
-            *o++ = '\0';
+    constexpr std::size_t kBlock = 512;
+    char block[4 * kBlock];  // every unit a line end at the most
+    for (std::size_t from = 0; from < text.size(); from += kBlock) {
+        const std::size_t to = std::min(text.size(), from + kBlock);
+        char* o = block;
+        for (std::size_t i = from; i < to; ++i) {
+            const auto c = static_cast<char16_t>(static_cast<std::make_unsigned_t<Unit>>(text[i]));
+            if (c == u'\n') {
+                o[0] = '\r';
+                o[1] = '\0';
+                o += 2;
+            }
+            o[0] = static_cast<char>(c & 0xFF);
+            o[1] = static_cast<char>(c >> 8);
+            o += 2;
         }
-        *o++ = static_cast<char>(c & 0xFF);
-        *o++ = static_cast<char>(c >> 8);
+        out.append(block, static_cast<std::size_t>(o - block));
     }
-    out.resize(static_cast<std::size_t>(o - out.data()));
+}
+
+// Bytes with "\n" as "\r\n", appended to out.
+void appendEightBit(std::string& out, std::string_view text)
+{
+    std::size_t from = 0;
+    while (from < text.size()) {
+        const std::size_t lineEnd = std::min(text.find('\n', from), text.size());
+        out.append(text.data() + from, lineEnd - from);
+        if (lineEnd < text.size())
+            out.append("\r\n", 2);
+        from = lineEnd + 1;
+    }
 }
 
 }  // namespace
@@ -96,102 +106,124 @@ TextWriter::TextWriter(TextEncoding encoding) : encoding_(encoding)
 
 void TextWriter::put(std::u16string_view text)
 {
-    if (encoding_ == TextEncoding::Utf16Le)
+    switch (encoding_) {
+    case TextEncoding::Utf16Le:
         appendUtf16Le(encoded_, text);
-    else
+        break;
+    case TextEncoding::EightBit:
+        encoded_.reserve(encoded_.size() + text.size());
+        for (const char16_t c : text) {
+            if (c == u'\n') {
+                encoded_.append("\r\n", 2);
+            } else if (c <= 0xFF) {
+                encoded_.push_back(static_cast<char>(c));
+            } else {
+                // No code in the file; text() still gives the character back.
+                unmapped_.emplace_back(encoded_.size(), c);
+                encoded_.push_back('?');
+            }
+        }
+        break;
+    case TextEncoding::Utf8Bom:
         text_.append(text);
+        break;
+    }
 }
 
 void TextWriter::put(std::string_view text)
 {
-    if (encoding_ == TextEncoding::Utf16Le) {
+    switch (encoding_) {
+    case TextEncoding::Utf16Le:
         appendUtf16Le(encoded_, text);
-        return;
+        break;
+    case TextEncoding::EightBit:
+        appendEightBit(encoded_, text);
+        break;
+    case TextEncoding::Utf8Bom: {
+        const std::size_t at = text_.size();
+        text_.resize(at + text.size());
+        std::transform(text.begin(), text.end(), text_.begin() + static_cast<std::ptrdiff_t>(at),
+                       [](char c) { return static_cast<char16_t>(static_cast<unsigned char>(c)); });
+        break;
     }
-    const std::size_t at = text_.size();
-    text_.resize(at + text.size());
-    std::transform(text.begin(), text.end(), text_.begin() + static_cast<std::ptrdiff_t>(at),
-                   [](char c) { return static_cast<char16_t>(static_cast<unsigned char>(c)); });
+    }
 }
 
 void TextWriter::reserve(std::size_t more)
 {
-    if (encoding_ == TextEncoding::Utf16Le)
-        encoded_.reserve(encoded_.size() + 2 * more);
-    else
-        text_.reserve(text_.size() + more);
+    switch (encoding_) {
+    case TextEncoding::Utf16Le: encoded_.reserve(encoded_.size() + 2 * more); break;
+    case TextEncoding::EightBit: encoded_.reserve(encoded_.size() + more); break;
+    case TextEncoding::Utf8Bom: text_.reserve(text_.size() + more); break;
+    }
 }
 
 std::u16string TextWriter::text() const
 {
-    if (encoding_ != TextEncoding::Utf16Le)
-        return text_;
-    // Every "\n" was written after a "\r" of its own: that one is dropped.
     std::u16string text;
-    text.reserve((encoded_.size() - 2) / 2);
-    for (std::size_t i = 2; i + 1 < encoded_.size(); i += 2) {
-        const auto c = static_cast<char16_t>(static_cast<unsigned char>(encoded_[i])
-                                             | (static_cast<unsigned char>(encoded_[i + 1]) << 8));
-        if (c == u'\n')
-            text.pop_back();
-        text.push_back(c);
+    switch (encoding_) {
+    case TextEncoding::Utf16Le:
+        // Every "\n" was written after a "\r" of its own: that one is dropped.
+        text.reserve((encoded_.size() - 2) / 2);
+        for (std::size_t i = 2; i + 1 < encoded_.size(); i += 2) {
+            const auto c = static_cast<char16_t>(static_cast<unsigned char>(encoded_[i])
+                                                 | (static_cast<unsigned char>(encoded_[i + 1]) << 8));
+            if (c == u'\n')
+                text.pop_back();
+            text.push_back(c);
+        }
+        break;
+    case TextEncoding::EightBit: {
+        text.reserve(encoded_.size());
+        auto unmapped = unmapped_.begin();
+        for (std::size_t i = 0; i < encoded_.size(); ++i) {
+            auto c = static_cast<char16_t>(static_cast<unsigned char>(encoded_[i]));
+            if (unmapped != unmapped_.end() && unmapped->first == i)
+                c = (unmapped++)->second;
+            else if (c == u'\n')
+                text.pop_back();
+            text.push_back(c);
+        }
+        break;
+    }
+    case TextEncoding::Utf8Bom:
+        text = text_;
+        break;
     }
     return text;
 }
 
 std::string TextWriter::bytes() &&
 {
-    if (encoding_ == TextEncoding::Utf16Le)
+    if (encoding_ != TextEncoding::Utf8Bom)
         return std::move(encoded_);
     return std::as_const(*this).bytes();
 }
 
 void TextWriter::format(const char* fmt, ...)
 {
+    // One buffer a thread: the material file formats hundreds of thousands of lines.
+    thread_local std::string line;
+    line.clear();
     va_list args;
     va_start(args, fmt);
-    // Lines of the layouts fit the stack buffer; only longer text takes the slow path.
-    char line[256];
-    va_list copy;
-    va_copy(copy, args);
-    const int needed = formatInCLocale(line, sizeof line, fmt, copy);
-    va_end(copy);
-    if (needed >= 0 && static_cast<std::size_t>(needed) < sizeof line)
-        put(std::string_view(line, static_cast<std::size_t>(needed)));
-    else if (needed >= 0)
-        put(std::string_view(formatTextV(fmt, args)));
+    appendFormattedV(line, fmt, args);
     va_end(args);
+    put(std::string_view(line));
 }
 
 std::string TextWriter::bytes() const&
 {
-    std::string out;
-    switch (encoding_) {
-    case TextEncoding::Utf16Le:
+    if (encoding_ != TextEncoding::Utf8Bom)
         return encoded_;
-    case TextEncoding::EightBit:
-        out.reserve(text_.size() + text_.size() / 8);
-        for (const char16_t c : text_) {
-            if (c == u'\n')
-                out.push_back('\r');
-            // Characters outside the 8-bit range have no code in the file.
-            out.push_back(c <= 0xFF ? static_cast<char>(c) : '?');
-        }
-        break;
-    case TextEncoding::Utf8Bom: {
-        out.append("\xEF\xBB\xBF", 3);
-        std::u16string crlf;
-        crlf.reserve(text_.size());
-        for (const char16_t c : text_) {
-            if (c == u'\n')
-                crlf.push_back(u'\r');
-            crlf.push_back(c);
-        }
-        out += utf16ToUtf8(crlf);
-        break;
+    std::u16string crlf;
+    crlf.reserve(text_.size() + text_.size() / 8);
+    for (const char16_t c : text_) {
+        if (c == u'\n')
+            crlf.push_back(u'\r');
+        crlf.push_back(c);
     }
-    }
-    return out;
+    return "\xEF\xBB\xBF" + utf16ToUtf8(crlf);
 }
 
 std::string formatText(const char* fmt, ...)

@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "base/numbers.h"  // toInt and toDouble, which the readers use with the text layer
@@ -55,10 +56,13 @@ public:
 
 private:
     TextEncoding encoding_;
-    // UTF-16LE files (the material file, which can be hundreds of megabytes) are
-    // encoded as they are written, so their text is never held twice.
+    // UTF-16LE and 8-bit files (the material file can be hundreds of megabytes,
+    // the map's data file tens) are encoded as they are written, so their text
+    // is never held twice.
     std::string encoded_;
-    std::u16string text_;  // the other encodings
+    // Where an 8-bit file got "?" for a character it has no code for, and the character.
+    std::vector<std::pair<std::size_t, char16_t>> unmapped_;
+    std::u16string text_;  // UTF-8 files
 };
 
 // printf into a std::string (for formats that are part of a layout or a message).
