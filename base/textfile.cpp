@@ -1,10 +1,17 @@
 #include "base/textfile.h"
 
 #include <algorithm>
-#include <cstring>
+#include <bit>
+#include <cstdlib>
 #include <cstdarg>
+#include <cstring>
+#include <new>
 #include <type_traits>
 #include <utility>
+
+#if defined(__linux__)
+#include <sys/mman.h>
+#endif
 
 namespace zelko {
 
@@ -39,19 +46,6 @@ void appendUtf8(std::string& out, char32_t c)
         out.push_back(static_cast<char>(0x80 | ((c >> 6) & 0x3F)));
         out.push_back(static_cast<char>(0x80 | (c & 0x3F)));
     }
-}
-
-// Text mode: "\r\n" becomes "\n"; a lone "\r" stays.
-std::u16string joinCrLf(std::u16string text)
-{
-    std::size_t out = 0;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] == u'\r' && i + 1 < text.size() && text[i + 1] == u'\n')
-            continue;
-        text[out++] = text[i];
-    }
-    text.resize(out);
-    return text;
 }
 
 }  // namespace
@@ -235,31 +229,151 @@ std::string formatText(const char* fmt, ...)
     return out;
 }
 
+namespace {
+
+constexpr std::size_t kHugePage = std::size_t{2} << 20;
+constexpr std::size_t kHugePageWorthy = std::size_t{4} << 20;
+
+// UTF-16LE bytes as count units from out, which may be where the bytes lie (at or
+// before them); "\r\n" becomes "\n", a lone "\r" stays. Returns the units written.
+// Lines are found with memchr and moved whole.
+std::size_t decodeUtf16Le(const char* bytes, std::size_t count, char16_t* out)
+{
+    const auto unitAt = [bytes](std::size_t k) {
+        return static_cast<char16_t>(static_cast<unsigned char>(bytes[2 * k])
+                                     | (static_cast<unsigned char>(bytes[2 * k + 1]) << 8));
+    };
+    std::size_t written = 0;
+    const auto copy = [&](std::size_t from, std::size_t n) {
+        if constexpr (std::endian::native == std::endian::little) {
+            std::memmove(out + written, bytes + 2 * from, 2 * n);
+        } else {
+            for (std::size_t i = 0; i < n; ++i)
+                out[written + i] = unitAt(from + i);
+        }
+        written += n;
+    };
+    const std::size_t size = 2 * count;
+    std::size_t from = 0;  // the next unit to keep
+    std::size_t look = 0;  // where the next "\r" is looked for
+    for (;;) {
+        std::size_t cr = count;
+        for (std::size_t at = 2 * look; at < size;) {
+            const void* hit = std::memchr(bytes + at, '\r', size - at);
+            if (!hit)
+                break;
+            const auto offset = static_cast<std::size_t>(static_cast<const char*>(hit) - bytes);
+            if (offset % 2 == 0 && offset + 1 < size && bytes[offset + 1] == '\0') {
+                cr = offset / 2;
+                break;
+            }
+            at = offset + 1;
+        }
+        if (cr == count) {
+            copy(from, count - from);
+            return written;
+        }
+        if (cr + 1 < count && unitAt(cr + 1) == u'\n') {
+            copy(from, cr - from);
+            from = cr + 1;
+        }
+        look = cr + 1;
+    }
+}
+
+// Units as they are with "\r\n" as "\n", in place; returns how many are left.
+std::size_t joinCrLf(char16_t* units, std::size_t count)
+{
+    std::size_t out = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        if (units[i] == u'\r' && i + 1 < count && units[i + 1] == u'\n')
+            continue;
+        units[out++] = units[i];
+    }
+    return out;
+}
+
+bool hasUtf16Mark(std::string_view bytes)
+{
+    return bytes.size() >= 2 && static_cast<unsigned char>(bytes[0]) == 0xFF
+           && static_cast<unsigned char>(bytes[1]) == 0xFE;
+}
+
+}  // namespace
+
+void TextBuffer::Free::operator()(char16_t* units) const
+{
+    std::free(units);
+}
+
+TextBuffer::Units TextBuffer::allocate(std::size_t count)
+{
+    const std::size_t bytes = std::max<std::size_t>(2 * count, 2);
+#if defined(__linux__)
+    if (bytes >= kHugePageWorthy) {
+        const std::size_t rounded = (bytes + kHugePage - 1) / kHugePage * kHugePage;
+        if (void* room = std::aligned_alloc(kHugePage, rounded)) {
+            madvise(room, rounded, MADV_HUGEPAGE);  // a hint: without huge pages it is plain memory
+            return Units(static_cast<char16_t*>(room));
+        }
+    }
+#endif
+    void* room = std::malloc(bytes);
+    if (!room)
+        throw std::bad_alloc();
+    return Units(static_cast<char16_t*>(room));
+}
+
+TextBuffer::TextBuffer(std::size_t bytes) : units_(allocate((bytes + 1) / 2)), bytes_(bytes) {}
+
+void TextReader::adopt(TextBuffer::Units units, std::size_t count)
+{
+    units_ = std::move(units);
+    text_ = std::u16string_view(units_.get(), count);
+    allowance_ = std::max(kMinimumAllowance, count / 4);
+}
+
 TextReader::TextReader(std::string_view bytes, ReadMode mode)
 {
-    std::u16string decoded;
-    if (mode == ReadMode::SniffBom && bytes.size() >= 2 && static_cast<unsigned char>(bytes[0]) == 0xFF
-        && static_cast<unsigned char>(bytes[1]) == 0xFE) {
-        decoded.reserve((bytes.size() - 2) / 2);
-        for (std::size_t i = 2; i + 1 < bytes.size(); i += 2)  // an odd last byte is dropped
-            decoded.push_back(static_cast<char16_t>(static_cast<unsigned char>(bytes[i])
-                                                    | (static_cast<unsigned char>(bytes[i + 1]) << 8)));
-    } else if (mode == ReadMode::SniffBom && bytes.size() >= 3 && bytes.substr(0, 3) == "\xEF\xBB\xBF") {
-        decoded = utf8ToUtf16(bytes.substr(3));
-    } else {
-        decoded.reserve(bytes.size());
-        for (const char c : bytes)
-            decoded.push_back(static_cast<char16_t>(static_cast<unsigned char>(c)));
+    if (mode == ReadMode::SniffBom && hasUtf16Mark(bytes)) {
+        const std::size_t count = (bytes.size() - 2) / 2;  // an odd last byte is dropped
+        TextBuffer::Units units = TextBuffer::allocate(count);
+        const std::size_t decoded = decodeUtf16Le(bytes.data() + 2, count, units.get());
+        adopt(std::move(units), decoded);
+        return;
     }
-    text_ = joinCrLf(std::move(decoded));
-    allowance_ = std::max(kMinimumAllowance, text_.size() / 4);
+    if (mode == ReadMode::SniffBom && bytes.size() >= 3 && bytes.substr(0, 3) == "\xEF\xBB\xBF") {
+        const std::u16string decoded = utf8ToUtf16(bytes.substr(3));
+        TextBuffer::Units units = TextBuffer::allocate(decoded.size());
+        std::copy(decoded.begin(), decoded.end(), units.get());
+        const std::size_t count = joinCrLf(units.get(), decoded.size());
+        adopt(std::move(units), count);
+        return;
+    }
+    TextBuffer::Units units = TextBuffer::allocate(bytes.size());
+    std::transform(bytes.begin(), bytes.end(), units.get(),
+                   [](char c) { return static_cast<char16_t>(static_cast<unsigned char>(c)); });
+    const std::size_t count = joinCrLf(units.get(), bytes.size());
+    adopt(std::move(units), count);
+}
+
+TextReader::TextReader(TextBuffer&& bytes, ReadMode mode)
+{
+    const std::string_view raw(bytes.data(), bytes.size());
+    if (mode == ReadMode::SniffBom && hasUtf16Mark(raw)) {
+        const std::size_t decoded = decodeUtf16Le(raw.data() + 2, (raw.size() - 2) / 2, bytes.units_.get());
+        adopt(std::move(bytes.units_), decoded);
+        return;
+    }
+    *this = TextReader(raw, mode);
 }
 
 TextReader TextReader::fromText(std::u16string text)
 {
     TextReader reader;
-    reader.text_ = std::move(text);
-    reader.allowance_ = std::max(kMinimumAllowance, reader.text_.size() / 4);
+    TextBuffer::Units units = TextBuffer::allocate(text.size());
+    std::copy(text.begin(), text.end(), units.get());
+    reader.adopt(std::move(units), text.size());
     return reader;
 }
 

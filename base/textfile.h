@@ -5,7 +5,9 @@
 // scan reads over it, with the same limits and end-of-file rules.
 
 #include <cstdarg>
+#include <algorithm>
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -69,11 +71,37 @@ private:
 std::string formatText(const char* fmt, ...) ZELKO_PRINTF_FORMAT(1, 2);
 std::string formatTextV(const char* fmt, va_list args);
 
+// Room for a file's bytes, read straight into the memory a TextReader then decodes
+// them in: a large UTF-16 file (most of a material) is never copied.
+class TextBuffer {
+public:
+    explicit TextBuffer(std::size_t bytes);
+    char* data() { return reinterpret_cast<char*>(units_.get()); }
+    std::size_t size() const { return bytes_; }
+    // Fewer bytes than the room was made for (a file that shrank while read).
+    void shrink(std::size_t bytes) { bytes_ = std::min(bytes, bytes_); }
+
+    struct Free {
+        void operator()(char16_t* units) const;
+    };
+    using Units = std::unique_ptr<char16_t[], Free>;
+    // Uninitialised room for count units; large room is asked for in huge pages,
+    // since touching a fresh 4 KB page at a time is most of a one-off read.
+    static Units allocate(std::size_t count);
+
+private:
+    friend class TextReader;
+    Units units_;
+    std::size_t bytes_;
+};
+
 class TextReader {
 public:
     TextReader() = default;
     // Decodes the bytes of a whole file; "\r\n" reads as "\n".
     TextReader(std::string_view bytes, ReadMode mode);
+    // The same, decoded where the bytes lie.
+    TextReader(TextBuffer&& bytes, ReadMode mode);
     // Already decoded text (tests, in-memory conversions).
     static TextReader fromText(std::u16string text);
 
@@ -110,7 +138,9 @@ private:
     // Reads one number with the leading-number parser given (leadingInt, leadingDouble).
     template <typename Number>
     bool scanNumber(Number& value, std::size_t (*leading)(std::u16string_view, Number&));
-    std::u16string text_;
+    void adopt(TextBuffer::Units units, std::size_t count);
+    TextBuffer::Units units_;
+    std::u16string_view text_;  // the decoded units
     std::size_t pos_ = 0;
     bool eof_ = false;
     std::size_t allowance_ = kMinimumAllowance;

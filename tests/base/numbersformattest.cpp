@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdarg>
 #include <cstdint>
+#include <cstdlib>
 #include <limits>
 #include <random>
 #include <string>
@@ -176,6 +177,44 @@ TEST(OwnConversions, FormatDoubleSaysWhenTheTextDoesNotFit)
     EXPECT_EQ(formatDouble(text, text + sizeof text, 1.0, 'x', 2), nullptr);
     end = formatDouble(text, text + sizeof text, 0.25, 'g', -1);  // printf's default precision
     EXPECT_EQ(std::string(text, end), "0.25");
+}
+
+TEST(NumberReading, TakesEveryPrintedNumberAsStrtodDoes)
+{
+    // The printed forms of the layouts and of people's files, read back from both
+    // kinds of text: the same double to the bit, and the same length taken.
+    const char* const formats[] = {"%.7E", "%.4E", "%.17g", "%.15g", "%g", "%f", "%.10f", "%.0f", "%.3e", "%.25e"};
+    int differences = 0;
+    for (const double value : manyDoubles()) {
+        for (const char* format : formats) {
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wformat-nonliteral"
+            const std::string text = libraryText(format, value) + "x";
+#pragma GCC diagnostic pop
+            const double expected = std::strtod(text.c_str(), nullptr);
+            double wide = -1.0;
+            EXPECT_EQ(leadingDouble(widen(text), wide), text.size() - 1) << text;
+            const double narrow = toDouble(std::string_view(text));
+            const auto same = [expected](double read) {
+                return std::bit_cast<std::uint64_t>(read) == std::bit_cast<std::uint64_t>(expected)
+                       || (std::isnan(read) && std::isnan(expected));
+            };
+            if ((!same(wide) || !same(narrow)) && ++differences <= 5)
+                ADD_FAILURE() << text << " reads as " << libraryText("%.17g", wide) << " / "
+                              << libraryText("%.17g", narrow) << ", strtod makes " << libraryText("%.17g", expected);
+        }
+    }
+    EXPECT_EQ(differences, 0);
+    // Spellings no printf makes: many leading zeros, digits beyond any double, long exponents.
+    for (const std::string text :
+         {"000000000000000000000000.5", "-0.000000000000000000000000001", "123456789012345678901234567890",
+          "9007199254740993", "9007199254740992.0", "1.7976931348623157e308", "4.9406564584124654e-324",
+          "1e-00000000000022", "0.1e23", "18446744073709551617", "0.18446744073709551621e5", "100000000000000000000000e-1", ".000e+5", "-0"}) {
+        double wide = -1.0;
+        EXPECT_EQ(leadingDouble(widen(text), wide), text.size()) << text;
+        const double expected = std::strtod(text.c_str(), nullptr);
+        EXPECT_EQ(std::bit_cast<std::uint64_t>(wide), std::bit_cast<std::uint64_t>(expected)) << text;
+    }
 }
 
 TEST(OwnConversions, TheWriterAndMessagesUseThem)
