@@ -2,16 +2,10 @@
 
 #include <algorithm>
 #include <bit>
-#include <cstdlib>
 #include <cstdarg>
 #include <cstring>
-#include <new>
 #include <type_traits>
 #include <utility>
-
-#if defined(__linux__)
-#include <sys/mman.h>
-#endif
 
 namespace zelko {
 
@@ -231,9 +225,6 @@ std::string formatText(const char* fmt, ...)
 
 namespace {
 
-constexpr std::size_t kHugePage = std::size_t{2} << 20;
-constexpr std::size_t kHugePageWorthy = std::size_t{4} << 20;
-
 // UTF-16LE bytes as count units from out, which may be where the bytes lie (at or
 // before them); "\r\n" becomes "\n", a lone "\r" stays. Returns the units written.
 // Lines are found with memchr and moved whole.
@@ -301,30 +292,7 @@ bool hasUtf16Mark(std::string_view bytes)
 
 }  // namespace
 
-void TextBuffer::Free::operator()(char16_t* units) const
-{
-    std::free(units);
-}
-
-TextBuffer::Units TextBuffer::allocate(std::size_t count)
-{
-    const std::size_t bytes = std::max<std::size_t>(2 * count, 2);
-#if defined(__linux__)
-    if (bytes >= kHugePageWorthy) {
-        const std::size_t rounded = (bytes + kHugePage - 1) / kHugePage * kHugePage;
-        if (void* room = std::aligned_alloc(kHugePage, rounded)) {
-            madvise(room, rounded, MADV_HUGEPAGE);  // a hint: without huge pages it is plain memory
-            return Units(static_cast<char16_t*>(room));
-        }
-    }
-#endif
-    void* room = std::malloc(bytes);
-    if (!room)
-        throw std::bad_alloc();
-    return Units(static_cast<char16_t*>(room));
-}
-
-TextBuffer::TextBuffer(std::size_t bytes) : units_(allocate((bytes + 1) / 2)), bytes_(bytes) {}
+TextBuffer::TextBuffer(std::size_t bytes) : units_(makeLargeArray<char16_t>((bytes + 1) / 2)), bytes_(bytes) {}
 
 void TextReader::adopt(TextBuffer::Units units, std::size_t count)
 {
@@ -337,20 +305,20 @@ TextReader::TextReader(std::string_view bytes, ReadMode mode)
 {
     if (mode == ReadMode::SniffBom && hasUtf16Mark(bytes)) {
         const std::size_t count = (bytes.size() - 2) / 2;  // an odd last byte is dropped
-        TextBuffer::Units units = TextBuffer::allocate(count);
+        TextBuffer::Units units = makeLargeArray<char16_t>(count);
         const std::size_t decoded = decodeUtf16Le(bytes.data() + 2, count, units.get());
         adopt(std::move(units), decoded);
         return;
     }
     if (mode == ReadMode::SniffBom && bytes.size() >= 3 && bytes.substr(0, 3) == "\xEF\xBB\xBF") {
         const std::u16string decoded = utf8ToUtf16(bytes.substr(3));
-        TextBuffer::Units units = TextBuffer::allocate(decoded.size());
+        TextBuffer::Units units = makeLargeArray<char16_t>(decoded.size());
         std::copy(decoded.begin(), decoded.end(), units.get());
         const std::size_t count = joinCrLf(units.get(), decoded.size());
         adopt(std::move(units), count);
         return;
     }
-    TextBuffer::Units units = TextBuffer::allocate(bytes.size());
+    TextBuffer::Units units = makeLargeArray<char16_t>(bytes.size());
     std::transform(bytes.begin(), bytes.end(), units.get(),
                    [](char c) { return static_cast<char16_t>(static_cast<unsigned char>(c)); });
     const std::size_t count = joinCrLf(units.get(), bytes.size());
@@ -371,7 +339,7 @@ TextReader::TextReader(TextBuffer&& bytes, ReadMode mode)
 TextReader TextReader::fromText(std::u16string text)
 {
     TextReader reader;
-    TextBuffer::Units units = TextBuffer::allocate(text.size());
+    TextBuffer::Units units = makeLargeArray<char16_t>(text.size());
     std::copy(text.begin(), text.end(), units.get());
     reader.adopt(std::move(units), text.size());
     return reader;

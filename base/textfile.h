@@ -13,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/largearray.h"
 #include "base/numbers.h"  // toInt and toDouble, which the readers use with the text layer
 
 #if defined(__GNUC__) || defined(__clang__)
@@ -81,13 +82,7 @@ public:
     // Fewer bytes than the room was made for (a file that shrank while read).
     void shrink(std::size_t bytes) { bytes_ = std::min(bytes, bytes_); }
 
-    struct Free {
-        void operator()(char16_t* units) const;
-    };
-    using Units = std::unique_ptr<char16_t[], Free>;
-    // Uninitialised room for count units; large room is asked for in huge pages,
-    // since touching a fresh 4 KB page at a time is most of a one-off read.
-    static Units allocate(std::size_t count);
+    using Units = LargeArray<char16_t>;
 
 private:
     friend class TextReader;
