@@ -185,7 +185,10 @@ std::optional<std::string> readFileBytes(const fs::path& path, std::string& erro
             error = "file too large";
             return std::nullopt;
         }
-        bytes.reserve(static_cast<std::size_t>(size));
+        // Straight into place; the loop below takes whatever the file grew by.
+        bytes.resize(static_cast<std::size_t>(size));
+        in.read(bytes.data(), static_cast<std::streamsize>(size));
+        bytes.resize(static_cast<std::size_t>(in.gcount()));
     }
     char chunk[65536];
     while (in) {
@@ -201,6 +204,33 @@ std::optional<std::string> readFileBytes(const fs::path& path, std::string& erro
         return std::nullopt;
     }
     return bytes;
+}
+
+std::optional<TextReader> readTextFile(const fs::path& path, ReadMode mode, std::string& error, std::uintmax_t maxBytes)
+{
+    const auto elsewhere = [&]() -> std::optional<TextReader> {
+        const auto bytes = readFileBytes(path, error, maxBytes);
+        if (!bytes)
+            return std::nullopt;
+        return TextReader(*bytes, mode);
+    };
+    std::error_code ec;
+    if (fs::is_directory(path, ec))
+        return elsewhere();
+    std::ifstream in(path, std::ios::binary);
+    const std::uintmax_t size = fs::file_size(path, ec);
+    if (!in || ec || size > maxBytes)
+        return elsewhere();  // its reasons, or a size it finds as it reads
+    TextBuffer buffer(static_cast<std::size_t>(size));
+    in.read(buffer.data(), static_cast<std::streamsize>(size));
+    buffer.shrink(static_cast<std::size_t>(in.gcount()));
+    if (in.bad()) {
+        error = "cannot read the file";
+        return std::nullopt;
+    }
+    if (in && in.peek() != std::ifstream::traits_type::eof())
+        return elsewhere();  // it grew while read
+    return TextReader(std::move(buffer), mode);
 }
 
 bool saveFileAtomically(const fs::path& path, std::string_view bytes, std::string& error)

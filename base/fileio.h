@@ -9,6 +9,8 @@
 #include <string_view>
 #include <vector>
 
+#include "base/textfile.h"
+
 namespace zelko {
 
 // No file of this program comes near this size; a larger one is refused rather
@@ -19,6 +21,11 @@ inline constexpr std::uintmax_t kMaxInputFileBytes = 256u * 1024u * 1024u;
 // is refused before it is read.
 std::optional<std::string> readFileBytes(const std::filesystem::path& path, std::string& error,
                                          std::uintmax_t maxBytes = kMaxInputFileBytes);
+
+// The same file decoded as TextReader(bytes, mode) decodes it, read straight into
+// the reader's own memory (a large material is not held twice); the same reasons.
+std::optional<TextReader> readTextFile(const std::filesystem::path& path, ReadMode mode, std::string& error,
+                                       std::uintmax_t maxBytes = kMaxInputFileBytes);
 
 // Writes a temporary file beside path and renames it over path, so a failed
 // save leaves the previous file as it was.

@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <climits>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <limits>
@@ -100,9 +101,10 @@ std::size_t doublePrefixLength(std::basic_string_view<Char> text)
     std::size_t i = 0;
     if (i < text.size() && (text[i] == '+' || text[i] == '-'))
         ++i;
-    if (startsWithNoCase(text, i, "infinity"))
+    const bool digitFirst = i < text.size() && (isDigit(text[i]) || text[i] == '.');
+    if (!digitFirst && startsWithNoCase(text, i, "infinity"))
         return i + 8;
-    if (startsWithNoCase(text, i, "inf") || startsWithNoCase(text, i, "nan"))
+    if (!digitFirst && (startsWithNoCase(text, i, "inf") || startsWithNoCase(text, i, "nan")))
         return i + 3;
     std::size_t digits = 0;
     while (i < text.size() && isDigit(text[i])) {
@@ -148,6 +150,65 @@ bool narrowNumber(std::basic_string_view<Char> text, std::string& narrow)
     return true;
 }
 
+// The value of a decimal number doublePrefixLength took, when at most 19
+// significant digits make an integer below 2^53 and the power of ten is exact:
+// one multiplication or division of two exact doubles, which rounds correctly,
+// so the value is from_chars' own. False leaves the number to from_chars.
+template <class Char>
+bool exactDecimal(std::basic_string_view<Char> number, double& value)
+{
+    static constexpr double kPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
+                                         1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+    std::size_t i = 0;
+    const bool negative = number[0] == '-';
+    if (number[0] == '+' || number[0] == '-')
+        ++i;
+    std::uint64_t mantissa = 0;
+    int significant = 0;
+    int exponent = 0;
+    bool point = false;
+    for (; i < number.size(); ++i) {
+        const Char c = number[i];
+        if (c == '.') {
+            point = true;
+            continue;
+        }
+        if (!isDigit(c))
+            break;
+        if (mantissa == 0 && c == '0') {
+            exponent -= point ? 1 : 0;
+            continue;
+        }
+        if (++significant > 19)
+            return false;
+        mantissa = mantissa * 10 + static_cast<std::uint64_t>(c - '0');
+        exponent -= point ? 1 : 0;
+    }
+    if (i < number.size()) {  // the exponent doublePrefixLength kept
+        ++i;
+        bool negativeExponent = false;
+        if (number[i] == '+' || number[i] == '-')
+            negativeExponent = number[i++] == '-';
+        if (number.size() - i > 4)
+            return false;
+        int written = 0;
+        for (; i < number.size(); ++i)
+            written = written * 10 + (number[i] - '0');
+        exponent += negativeExponent ? -written : written;
+    }
+    if (mantissa == 0) {
+        value = negative ? -0.0 : 0.0;
+        return true;
+    }
+    if (mantissa > (std::uint64_t{1} << 53) || exponent < -22 || exponent > 22)
+        return false;
+    const auto m = static_cast<double>(mantissa);
+    value = exponent < 0 ? m / kPowers[-exponent] : m * kPowers[exponent];
+    if (negative)
+        value = -value;
+    return true;
+}
+
 template <class Char>
 std::size_t leadingDoubleOf(std::basic_string_view<Char> text, double& value)
 {
@@ -155,6 +216,9 @@ std::size_t leadingDoubleOf(std::basic_string_view<Char> text, double& value)
     const std::size_t length = doublePrefixLength(text);
     if (length == 0)
         return 0;
+    const Char first = text[text[0] == '+' || text[0] == '-' ? 1 : 0];
+    if ((isDigit(first) || first == '.') && exactDecimal(text.substr(0, length), value))
+        return length;
     std::string narrow;
     narrowNumber(text.substr(0, length), narrow);
     const auto [end, ec] = std::from_chars(narrow.data(), narrow.data() + narrow.size(), value);

@@ -7,6 +7,7 @@
 #include <cstdarg>
 #include <cstddef>
 #include <functional>
+#include <string>
 #include <string_view>
 #include <type_traits>
 
@@ -16,6 +17,16 @@ namespace zelko {
 // vsnprintf, but the text is complete only when the return value is below size.
 // The calling thread's own locale is left as it was.
 int formatInCLocale(char* buffer, std::size_t size, const char* fmt, va_list args);
+
+// vsnprintf in the C locale, appended to out. The conversions the layouts use
+// (d i u c s, e E f F g G, "%%", with "-", a width and a precision) are made here
+// to the same bytes; other flags, "*" and other conversions go to vsnprintf.
+void appendFormattedV(std::string& out, const char* fmt, va_list args);
+
+// printf's "%.<precision><conversion>" of value for e, E, f, F, g or G (a negative
+// precision is printf's default, 6) written from first; the end of the text, or
+// null when it does not fit before last or the conversion is none of those.
+char* formatDouble(char* first, char* last, double value, char conversion, int precision);
 
 // The C library's lenient reading, which the file layouts rely on (atoi, atof and
 // the scanf conversions): the longest number at the very start of text, no white

@@ -1,7 +1,9 @@
 #include "base/textfile.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstdarg>
+#include <cstring>
 #include <type_traits>
 #include <utility>
 
@@ -9,18 +11,8 @@ namespace zelko {
 
 std::string formatTextV(const char* fmt, va_list args)
 {
-    va_list copy;
-    va_copy(copy, args);
-    char small[512];
-    const int needed = formatInCLocale(small, sizeof small, fmt, copy);
-    va_end(copy);
-    if (needed < 0)
-        return {};
-    if (static_cast<std::size_t>(needed) < sizeof small)
-        return std::string(small, static_cast<std::size_t>(needed));
-    std::string out(static_cast<std::size_t>(needed) + 1, '\0');
-    formatInCLocale(out.data(), out.size(), fmt, args);
-    out.resize(static_cast<std::size_t>(needed));
+    std::string out;
+    appendFormattedV(out, fmt, args);
     return out;
 }
 
@@ -50,40 +42,46 @@ void appendUtf8(std::string& out, char32_t c)
     }
 }
 
-// Text mode: "\r\n" becomes "\n"; a lone "\r" stays.
-std::u16string joinCrLf(std::u16string text)
-{
-    std::size_t out = 0;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] == u'\r' && i + 1 < text.size() && text[i + 1] == u'\n')
-            continue;
-        text[out++] = text[i];
-    }
-    text.resize(out);
-    return text;
-}
-
 }  // namespace
 
 namespace {
 
-// Units as UTF-16LE with "\n" as "\r\n", appended to out.
+// Units as UTF-16LE with "\n" as "\r\n", appended to out. Encoded a block at a
+// time on the stack and appended whole: no zero-filled room, no growth per unit.
 template <class Unit>
 void appendUtf16Le(std::string& out, std::basic_string_view<Unit> text)
 {
-    const std::size_t at = out.size();
-    out.resize(at + text.size() * 4);  // every unit a line end at the most
-    char* o = out.data() + at;
-    for (const Unit unit : text) {
-        const auto c = static_cast<char16_t>(static_cast<std::make_unsigned_t<Unit>>(unit));
-        if (c == u'\n') {
-            *o++ = '\r';
-            *o++ = '\0';
+    constexpr std::size_t kBlock = 512;
+    char block[4 * kBlock];  // every unit a line end at the most
+    for (std::size_t from = 0; from < text.size(); from += kBlock) {
+        const std::size_t to = std::min(text.size(), from + kBlock);
+        char* o = block;
+        for (std::size_t i = from; i < to; ++i) {
+            const auto c = static_cast<char16_t>(static_cast<std::make_unsigned_t<Unit>>(text[i]));
+            if (c == u'\n') {
+                o[0] = '\r';
+                o[1] = '\0';
+                o += 2;
+            }
+            o[0] = static_cast<char>(c & 0xFF);
+            o[1] = static_cast<char>(c >> 8);
+            o += 2;
         }
-        *o++ = static_cast<char>(c & 0xFF);
-        *o++ = static_cast<char>(c >> 8);
+        out.append(block, static_cast<std::size_t>(o - block));
     }
-    out.resize(static_cast<std::size_t>(o - out.data()));
+}
+
+// Bytes with "\n" as "\r\n", appended to out.
+void appendEightBit(std::string& out, std::string_view text)
+{
+    std::size_t from = 0;
+    while (from < text.size()) {
+        const std::size_t lineEnd = std::min(text.find('\n', from), text.size());
+        out.append(text.data() + from, lineEnd - from);
+        if (lineEnd < text.size())
+            out.append("\r\n", 2);
+        from = lineEnd + 1;
+    }
 }
 
 }  // namespace
@@ -96,102 +94,124 @@ TextWriter::TextWriter(TextEncoding encoding) : encoding_(encoding)
 
 void TextWriter::put(std::u16string_view text)
 {
-    if (encoding_ == TextEncoding::Utf16Le)
+    switch (encoding_) {
+    case TextEncoding::Utf16Le:
         appendUtf16Le(encoded_, text);
-    else
+        break;
+    case TextEncoding::EightBit:
+        encoded_.reserve(encoded_.size() + text.size());
+        for (const char16_t c : text) {
+            if (c == u'\n') {
+                encoded_.append("\r\n", 2);
+            } else if (c <= 0xFF) {
+                encoded_.push_back(static_cast<char>(c));
+            } else {
+                // No code in the file; text() still gives the character back.
+                unmapped_.emplace_back(encoded_.size(), c);
+                encoded_.push_back('?');
+            }
+        }
+        break;
+    case TextEncoding::Utf8Bom:
         text_.append(text);
+        break;
+    }
 }
 
 void TextWriter::put(std::string_view text)
 {
-    if (encoding_ == TextEncoding::Utf16Le) {
+    switch (encoding_) {
+    case TextEncoding::Utf16Le:
         appendUtf16Le(encoded_, text);
-        return;
+        break;
+    case TextEncoding::EightBit:
+        appendEightBit(encoded_, text);
+        break;
+    case TextEncoding::Utf8Bom: {
+        const std::size_t at = text_.size();
+        text_.resize(at + text.size());
+        std::transform(text.begin(), text.end(), text_.begin() + static_cast<std::ptrdiff_t>(at),
+                       [](char c) { return static_cast<char16_t>(static_cast<unsigned char>(c)); });
+        break;
     }
-    const std::size_t at = text_.size();
-    text_.resize(at + text.size());
-    std::transform(text.begin(), text.end(), text_.begin() + static_cast<std::ptrdiff_t>(at),
-                   [](char c) { return static_cast<char16_t>(static_cast<unsigned char>(c)); });
+    }
 }
 
 void TextWriter::reserve(std::size_t more)
 {
-    if (encoding_ == TextEncoding::Utf16Le)
-        encoded_.reserve(encoded_.size() + 2 * more);
-    else
-        text_.reserve(text_.size() + more);
+    switch (encoding_) {
+    case TextEncoding::Utf16Le: encoded_.reserve(encoded_.size() + 2 * more); break;
+    case TextEncoding::EightBit: encoded_.reserve(encoded_.size() + more); break;
+    case TextEncoding::Utf8Bom: text_.reserve(text_.size() + more); break;
+    }
 }
 
 std::u16string TextWriter::text() const
 {
-    if (encoding_ != TextEncoding::Utf16Le)
-        return text_;
-    // Every "\n" was written after a "\r" of its own: that one is dropped.
     std::u16string text;
-    text.reserve((encoded_.size() - 2) / 2);
-    for (std::size_t i = 2; i + 1 < encoded_.size(); i += 2) {
-        const auto c = static_cast<char16_t>(static_cast<unsigned char>(encoded_[i])
-                                             | (static_cast<unsigned char>(encoded_[i + 1]) << 8));
-        if (c == u'\n')
-            text.pop_back();
-        text.push_back(c);
+    switch (encoding_) {
+    case TextEncoding::Utf16Le:
+        // Every "\n" was written after a "\r" of its own: that one is dropped.
+        text.reserve((encoded_.size() - 2) / 2);
+        for (std::size_t i = 2; i + 1 < encoded_.size(); i += 2) {
+            const auto c = static_cast<char16_t>(static_cast<unsigned char>(encoded_[i])
+                                                 | (static_cast<unsigned char>(encoded_[i + 1]) << 8));
+            if (c == u'\n')
+                text.pop_back();
+            text.push_back(c);
+        }
+        break;
+    case TextEncoding::EightBit: {
+        text.reserve(encoded_.size());
+        auto unmapped = unmapped_.begin();
+        for (std::size_t i = 0; i < encoded_.size(); ++i) {
+            auto c = static_cast<char16_t>(static_cast<unsigned char>(encoded_[i]));
+            if (unmapped != unmapped_.end() && unmapped->first == i)
+                c = (unmapped++)->second;
+            else if (c == u'\n')
+                text.pop_back();
+            text.push_back(c);
+        }
+        break;
+    }
+    case TextEncoding::Utf8Bom:
+        text = text_;
+        break;
     }
     return text;
 }
 
 std::string TextWriter::bytes() &&
 {
-    if (encoding_ == TextEncoding::Utf16Le)
+    if (encoding_ != TextEncoding::Utf8Bom)
         return std::move(encoded_);
     return std::as_const(*this).bytes();
 }
 
 void TextWriter::format(const char* fmt, ...)
 {
+    // One buffer a thread: the material file formats hundreds of thousands of lines.
+    thread_local std::string line;
+    line.clear();
     va_list args;
     va_start(args, fmt);
-    // Lines of the layouts fit the stack buffer; only longer text takes the slow path.
-    char line[256];
-    va_list copy;
-    va_copy(copy, args);
-    const int needed = formatInCLocale(line, sizeof line, fmt, copy);
-    va_end(copy);
-    if (needed >= 0 && static_cast<std::size_t>(needed) < sizeof line)
-        put(std::string_view(line, static_cast<std::size_t>(needed)));
-    else if (needed >= 0)
-        put(std::string_view(formatTextV(fmt, args)));
+    appendFormattedV(line, fmt, args);
     va_end(args);
+    put(std::string_view(line));
 }
 
 std::string TextWriter::bytes() const&
 {
-    std::string out;
-    switch (encoding_) {
-    case TextEncoding::Utf16Le:
+    if (encoding_ != TextEncoding::Utf8Bom)
         return encoded_;
-    case TextEncoding::EightBit:
-        out.reserve(text_.size() + text_.size() / 8);
-        for (const char16_t c : text_) {
-            if (c == u'\n')
-                out.push_back('\r');
-            // Characters outside the 8-bit range have no code in the file.
-            out.push_back(c <= 0xFF ? static_cast<char>(c) : '?');
-        }
-        break;
-    case TextEncoding::Utf8Bom: {
-        out.append("\xEF\xBB\xBF", 3);
-        std::u16string crlf;
-        crlf.reserve(text_.size());
-        for (const char16_t c : text_) {
-            if (c == u'\n')
-                crlf.push_back(u'\r');
-            crlf.push_back(c);
-        }
-        out += utf16ToUtf8(crlf);
-        break;
+    std::u16string crlf;
+    crlf.reserve(text_.size() + text_.size() / 8);
+    for (const char16_t c : text_) {
+        if (c == u'\n')
+            crlf.push_back(u'\r');
+        crlf.push_back(c);
     }
-    }
-    return out;
+    return "\xEF\xBB\xBF" + utf16ToUtf8(crlf);
 }
 
 std::string formatText(const char* fmt, ...)
@@ -203,31 +223,125 @@ std::string formatText(const char* fmt, ...)
     return out;
 }
 
+namespace {
+
+// UTF-16LE bytes as count units from out, which may be where the bytes lie (at or
+// before them); "\r\n" becomes "\n", a lone "\r" stays. Returns the units written.
+// Lines are found with memchr and moved whole.
+std::size_t decodeUtf16Le(const char* bytes, std::size_t count, char16_t* out)
+{
+    const auto unitAt = [bytes](std::size_t k) {
+        return static_cast<char16_t>(static_cast<unsigned char>(bytes[2 * k])
+                                     | (static_cast<unsigned char>(bytes[2 * k + 1]) << 8));
+    };
+    std::size_t written = 0;
+    const auto copy = [&](std::size_t from, std::size_t n) {
+        if constexpr (std::endian::native == std::endian::little) {
+            std::memmove(out + written, bytes + 2 * from, 2 * n);
+        } else {
+            for (std::size_t i = 0; i < n; ++i)
+                out[written + i] = unitAt(from + i);
+        }
+        written += n;
+    };
+    const std::size_t size = 2 * count;
+    std::size_t from = 0;  // the next unit to keep
+    std::size_t look = 0;  // where the next "\r" is looked for
+    for (;;) {
+        std::size_t cr = count;
+        for (std::size_t at = 2 * look; at < size;) {
+            const void* hit = std::memchr(bytes + at, '\r', size - at);
+            if (!hit)
+                break;
+            const auto offset = static_cast<std::size_t>(static_cast<const char*>(hit) - bytes);
+            if (offset % 2 == 0 && offset + 1 < size && bytes[offset + 1] == '\0') {
+                cr = offset / 2;
+                break;
+            }
+            at = offset + 1;
+        }
+        if (cr == count) {
+            copy(from, count - from);
+            return written;
+        }
+        if (cr + 1 < count && unitAt(cr + 1) == u'\n') {
+            copy(from, cr - from);
+            from = cr + 1;
+        }
+        look = cr + 1;
+    }
+}
+
+// Units as they are with "\r\n" as "\n", in place; returns how many are left.
+std::size_t joinCrLf(char16_t* units, std::size_t count)
+{
+    std::size_t out = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        if (units[i] == u'\r' && i + 1 < count && units[i + 1] == u'\n')
+            continue;
+        units[out++] = units[i];
+    }
+    return out;
+}
+
+bool hasUtf16Mark(std::string_view bytes)
+{
+    return bytes.size() >= 2 && static_cast<unsigned char>(bytes[0]) == 0xFF
+           && static_cast<unsigned char>(bytes[1]) == 0xFE;
+}
+
+}  // namespace
+
+TextBuffer::TextBuffer(std::size_t bytes) : units_(makeLargeArray<char16_t>((bytes + 1) / 2)), bytes_(bytes) {}
+
+void TextReader::adopt(TextBuffer::Units units, std::size_t count)
+{
+    units_ = std::move(units);
+    text_ = std::u16string_view(units_.get(), count);
+    allowance_ = std::max(kMinimumAllowance, count / 4);
+}
+
 TextReader::TextReader(std::string_view bytes, ReadMode mode)
 {
-    std::u16string decoded;
-    if (mode == ReadMode::SniffBom && bytes.size() >= 2 && static_cast<unsigned char>(bytes[0]) == 0xFF
-        && static_cast<unsigned char>(bytes[1]) == 0xFE) {
-        decoded.reserve((bytes.size() - 2) / 2);
-        for (std::size_t i = 2; i + 1 < bytes.size(); i += 2)  // an odd last byte is dropped
-            decoded.push_back(static_cast<char16_t>(static_cast<unsigned char>(bytes[i])
-                                                    | (static_cast<unsigned char>(bytes[i + 1]) << 8)));
-    } else if (mode == ReadMode::SniffBom && bytes.size() >= 3 && bytes.substr(0, 3) == "\xEF\xBB\xBF") {
-        decoded = utf8ToUtf16(bytes.substr(3));
-    } else {
-        decoded.reserve(bytes.size());
-        for (const char c : bytes)
-            decoded.push_back(static_cast<char16_t>(static_cast<unsigned char>(c)));
+    if (mode == ReadMode::SniffBom && hasUtf16Mark(bytes)) {
+        const std::size_t count = (bytes.size() - 2) / 2;  // an odd last byte is dropped
+        TextBuffer::Units units = makeLargeArray<char16_t>(count);
+        const std::size_t decoded = decodeUtf16Le(bytes.data() + 2, count, units.get());
+        adopt(std::move(units), decoded);
+        return;
     }
-    text_ = joinCrLf(std::move(decoded));
-    allowance_ = std::max(kMinimumAllowance, text_.size() / 4);
+    if (mode == ReadMode::SniffBom && bytes.size() >= 3 && bytes.substr(0, 3) == "\xEF\xBB\xBF") {
+        const std::u16string decoded = utf8ToUtf16(bytes.substr(3));
+        TextBuffer::Units units = makeLargeArray<char16_t>(decoded.size());
+        std::copy(decoded.begin(), decoded.end(), units.get());
+        const std::size_t count = joinCrLf(units.get(), decoded.size());
+        adopt(std::move(units), count);
+        return;
+    }
+    TextBuffer::Units units = makeLargeArray<char16_t>(bytes.size());
+    std::transform(bytes.begin(), bytes.end(), units.get(),
+                   [](char c) { return static_cast<char16_t>(static_cast<unsigned char>(c)); });
+    const std::size_t count = joinCrLf(units.get(), bytes.size());
+    adopt(std::move(units), count);
+}
+
+TextReader::TextReader(TextBuffer&& bytes, ReadMode mode)
+{
+    const std::string_view raw(bytes.data(), bytes.size());
+    if (mode == ReadMode::SniffBom && hasUtf16Mark(raw)) {
+        const std::size_t decoded = decodeUtf16Le(raw.data() + 2, (raw.size() - 2) / 2, bytes.units_.get());
+        adopt(std::move(bytes.units_), decoded);
+        return;
+    }
+    *this = TextReader(raw, mode);
 }
 
 TextReader TextReader::fromText(std::u16string text)
 {
     TextReader reader;
-    reader.text_ = std::move(text);
-    reader.allowance_ = std::max(kMinimumAllowance, reader.text_.size() / 4);
+    TextBuffer::Units units = makeLargeArray<char16_t>(text.size());
+    std::copy(text.begin(), text.end(), units.get());
+    reader.adopt(std::move(units), text.size());
     return reader;
 }
 

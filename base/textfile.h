@@ -5,11 +5,15 @@
 // scan reads over it, with the same limits and end-of-file rules.
 
 #include <cstdarg>
+#include <algorithm>
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
+#include "base/largearray.h"
 #include "base/numbers.h"  // toInt and toDouble, which the readers use with the text layer
 
 #if defined(__GNUC__) || defined(__clang__)
@@ -55,21 +59,44 @@ public:
 
 private:
     TextEncoding encoding_;
-    // UTF-16LE files (the material file, which can be hundreds of megabytes) are
-    // encoded as they are written, so their text is never held twice.
+    // UTF-16LE and 8-bit files (the material file can be hundreds of megabytes,
+    // the map's data file tens) are encoded as they are written, so their text
+    // is never held twice.
     std::string encoded_;
-    std::u16string text_;  // the other encodings
+    // Where an 8-bit file got "?" for a character it has no code for, and the character.
+    std::vector<std::pair<std::size_t, char16_t>> unmapped_;
+    std::u16string text_;  // UTF-8 files
 };
 
 // printf into a std::string (for formats that are part of a layout or a message).
 std::string formatText(const char* fmt, ...) ZELKO_PRINTF_FORMAT(1, 2);
 std::string formatTextV(const char* fmt, va_list args);
 
+// Room for a file's bytes, read straight into the memory a TextReader then decodes
+// them in: a large UTF-16 file (most of a material) is never copied.
+class TextBuffer {
+public:
+    explicit TextBuffer(std::size_t bytes);
+    char* data() { return reinterpret_cast<char*>(units_.get()); }
+    std::size_t size() const { return bytes_; }
+    // Fewer bytes than the room was made for (a file that shrank while read).
+    void shrink(std::size_t bytes) { bytes_ = std::min(bytes, bytes_); }
+
+    using Units = LargeArray<char16_t>;
+
+private:
+    friend class TextReader;
+    Units units_;
+    std::size_t bytes_;
+};
+
 class TextReader {
 public:
     TextReader() = default;
     // Decodes the bytes of a whole file; "\r\n" reads as "\n".
     TextReader(std::string_view bytes, ReadMode mode);
+    // The same, decoded where the bytes lie.
+    TextReader(TextBuffer&& bytes, ReadMode mode);
     // Already decoded text (tests, in-memory conversions).
     static TextReader fromText(std::u16string text);
 
@@ -106,7 +133,9 @@ private:
     // Reads one number with the leading-number parser given (leadingInt, leadingDouble).
     template <typename Number>
     bool scanNumber(Number& value, std::size_t (*leading)(std::u16string_view, Number&));
-    std::u16string text_;
+    void adopt(TextBuffer::Units units, std::size_t count);
+    TextBuffer::Units units_;
+    std::u16string_view text_;  // the decoded units
     std::size_t pos_ = 0;
     bool eof_ = false;
     std::size_t allowance_ = kMinimumAllowance;

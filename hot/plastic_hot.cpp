@@ -51,6 +51,12 @@ void PLASTIC_HOT::writeMaterialBlock(TextWriter& out, int /*major*/, int minor) 
         out.format("%8d\n", hasIndexColumn ? 1 : 0);
     out.format("%8zd %8zd %8zd %8zd\n", strainRates.size(), temperatures.size(), strains.size(),
                auxiliaryValues.size());
+    // The curves are nearly all of a material file: room for them at once, not grown into.
+    std::size_t points = 0;
+    for (const auto& row : curves)
+        for (const HotCurve& c : row)
+            points += c.size();
+    out.reserve(points * 70 + strainRates.size() * temperatures.size() * 80);
     writeList(out, strainRates);
     writeList(out, temperatures);
     writeList(out, strains);

@@ -13,12 +13,12 @@
 
 namespace zelko {
 
-void appendFixed10(std::string& line, double value)
+char* writeFixed10(char* out, double value)
 {
     const double magnitude = std::fabs(value);
     if (!(magnitude < 1e12)) {
-        line += formatText("%10.4f", value);
-        return;
+        const std::string text = formatText("%10.4f", value);
+        return std::copy(text.begin(), text.end(), out);
     }
     // magnitude·10⁴ is exactly p + error; the rounding looks at both, so it is
     // printf's: the exact binary value, ties to even.
@@ -44,10 +44,15 @@ void appendFixed10(std::string& line, double value)
     } while (rest > 0);
     if (std::signbit(value))
         *--at = '-';
-    const auto length = static_cast<std::size_t>(end - at);
-    if (length < 10)
-        line.append(10 - length, ' ');
-    line.append(at, length);
+    while (end - at < 10)
+        *--at = ' ';
+    return std::copy(at, end, out);
+}
+
+void appendFixed10(std::string& line, double value)
+{
+    char text[kFixed10Room];
+    line.append(text, writeFixed10(text, value));
 }
 
 std::optional<ProcessingMap> computeProcessingMap(const PLASTIC_HOT& model, std::optional<std::size_t> onlyStrain,
@@ -89,9 +94,9 @@ std::optional<ProcessingMap> computeProcessingMap(const PLASTIC_HOT& model, std:
         map.logRates.push_back(L0 + static_cast<double>(j) * dL);
     const std::size_t entries = NT * NR * NS;
     // Every entry is written below; zeroing 150 MB first would cost a pass.
-    map.stress_ = std::make_unique_for_overwrite<double[]>(entries);
-    map.efficiency_ = std::make_unique_for_overwrite<double[]>(entries);
-    map.flag_ = std::make_unique_for_overwrite<signed char[]>(entries);
+    map.stress_ = makeLargeArray<double>(entries);
+    map.efficiency_ = makeLargeArray<double>(entries);
+    map.flag_ = makeLargeArray<signed char>(entries);
     if (entries == 0) {
         control.report(100);
         return map;
@@ -196,23 +201,38 @@ TextWriter processingMapData(const ProcessingMap& map, std::size_t k)
     TextWriter out(TextEncoding::EightBit);
     constexpr std::string_view header = "# Temperature, Strain rate, power, instability\n";
     // Half a million lines: growing the text as it goes would copy it over and over.
-    out.reserve(header.size() + map.temperatureNodes() * (map.rateNodes() * 44 + 1));
+    out.reserve(header.size() + 1 + map.temperatureNodes() * (map.rateNodes() * 46 + 2));  // CRLF, a wider value
     out.put(header);
-    std::string line;
+    // The rates' and the flags' columns repeat on every temperature node: spelled once.
+    std::vector<std::string> rates(map.rateNodes());
+    for (std::size_t j = 0; j < map.rateNodes(); ++j) {
+        appendFixed10(rates[j], map.logRates[j]);
+        rates[j] += ' ';
+    }
+    const auto flagIndex = [](MapFlag flag) { return flag == kStable ? 0 : flag == kNoSensitivity ? 1 : 2; };
+    std::string flags[3];
+    for (const MapFlag flag : {kStable, kNoSensitivity, kUnstable})
+        appendFixed10(flags[flagIndex(flag)], static_cast<double>(flag));
+    // A temperature node's lines at a time, written in place.
+    constexpr std::size_t kLine = 3 * kFixed10Room + 4;
+    std::string block(map.rateNodes() * kLine + 1, '\0');
     for (std::size_t i = 0; i < map.temperatureNodes(); ++i) {
+        char temperature[kFixed10Room + 1];
+        char* const temperatureEnd = writeFixed10(temperature, map.temperatures[i]);
+        *temperatureEnd = ' ';
+        const std::size_t temperatureLength = static_cast<std::size_t>(temperatureEnd - temperature) + 1;
+        char* o = block.data();
         for (std::size_t j = 0; j < map.rateNodes(); ++j) {
-            line.clear();
-            appendFixed10(line, map.temperatures[i]);
-            line += ' ';
-            appendFixed10(line, map.logRates[j]);
-            line += ' ';
-            appendFixed10(line, map.efficiency(j, i, k));
-            line += ' ';
-            appendFixed10(line, static_cast<double>(map.flag(j, i, k)));
-            line += '\n';
-            out.put(std::string_view(line));
+            o = std::copy_n(temperature, temperatureLength, o);
+            o = std::copy(rates[j].begin(), rates[j].end(), o);
+            o = writeFixed10(o, map.efficiency(j, i, k));
+            *o++ = ' ';
+            const std::string& flag = flags[flagIndex(map.flag(j, i, k))];
+            o = std::copy(flag.begin(), flag.end(), o);
+            *o++ = '\n';
         }
-        out.put(std::string_view("\n"));
+        *o++ = '\n';
+        out.put(std::string_view(block.data(), static_cast<std::size_t>(o - block.data())));
     }
     return out;
 }

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "base/environment.h"
+#include "base/largearray.h"
 #include "base/runcontrol.h"
 #include "hot/gnuplot.h"
 #include "hot/plastic_hot.h"
@@ -50,9 +51,9 @@ private:
     {
         return (j * temperatures.size() + i) * strains.size() + k;
     }
-    std::unique_ptr<double[]> stress_;
-    std::unique_ptr<double[]> efficiency_;
-    std::unique_ptr<signed char[]> flag_;
+    LargeArray<double> stress_;
+    LargeArray<double> efficiency_;
+    LargeArray<signed char> flag_;
 };
 
 // The map at every sample strain, or at the one given. The stress of a node is
@@ -65,6 +66,9 @@ std::optional<ProcessingMap> computeProcessingMap(const PLASTIC_HOT& model, std:
 
 // printf's "%10.4f", appended; the data file has half a million lines of it.
 void appendFixed10(std::string& line, double value);
+// The same written from out, which has room for kFixed10Room characters; returns the end.
+inline constexpr std::size_t kFixed10Room = 330;  // the widest: -DBL_MAX
+char* writeFixed10(char* out, double value);
 
 // "processing_map.dat" for the map's strain k: header, "%10.4f %10.4f %10.4f %10.4f\n"
 // (T, log10 rate, η, flag) a node, an empty line after each temperature node.

@@ -20,13 +20,13 @@ std::string materialFileBytes(const Project& material)
     return std::move(out).bytes();
 }
 
-bool readMaterialBytes(std::string_view bytes, Project& material, FileVersion& version,
-                       std::vector<std::string>* warnings)
+namespace {
+
+bool readMaterialText(TextReader& in, Project& material, FileVersion& version, std::vector<std::string>* warnings)
 {
     // Read into a copy: a rejected file must leave the material as it was, and the
     // reader only promises that for the rejections of its first lines.
     Project read = material;
-    TextReader in(bytes, ReadMode::SniffBom);
     FileVersion fileVersion;
     bool endedEarly = false;
     if (!read.ReadMaterialFile(in, &fileVersion, &endedEarly))
@@ -39,6 +39,15 @@ bool readMaterialBytes(std::string_view bytes, Project& material, FileVersion& v
             warnings->emplace_back(messageText(MessageCode::MaterialFileEndsEarly));
     }
     return true;
+}
+
+}  // namespace
+
+bool readMaterialBytes(std::string_view bytes, Project& material, FileVersion& version,
+                       std::vector<std::string>* warnings)
+{
+    TextReader in(bytes, ReadMode::SniffBom);
+    return readMaterialText(in, material, version, warnings);
 }
 
 LibraryEntry libraryEntryBytes(const Project& material)
@@ -59,10 +68,10 @@ MaterialDocument::MaterialDocument(Environment environment) : environment_(std::
 
 bool MaterialDocument::open(const std::filesystem::path& path, std::string& error)
 {
-    const auto bytes = readFileBytes(path, error, kMaxMaterialFileBytes);
-    if (!bytes)
+    std::optional<TextReader> in = readTextFile(path, ReadMode::SniffBom, error, kMaxMaterialFileBytes);
+    if (!in)
         return false;
-    if (!readMaterialBytes(*bytes, material_, version_, &warnings_)) {
+    if (!readMaterialText(*in, material_, version_, &warnings_)) {
         error = messageText(MessageCode::NotAMaterialFile);
         return false;
     }

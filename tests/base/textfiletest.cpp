@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <climits>
 
@@ -44,6 +45,40 @@ TEST(TextWriter, GivesBackTheTextItEncodedAsWritten)
     out.put(std::string_view("\n"));
     EXPECT_EQ(out.bytes(), std::string("\xFF\xFE\r\0\n\0", 6));
     EXPECT_EQ(TextWriter().text(), u"");
+}
+
+TEST(TextWriter, EncodesLongTextAcrossItsBlocksAndPieces)
+{
+    // A text longer than the encoder's block, with line ends at its edges, put in
+    // pieces of both kinds: the file is the text encoded at once.
+    std::u16string text;
+    for (int i = 0; i < 3000; ++i)
+        text += (i % 511 == 0 || i % 512 == 0) ? u'\n' : static_cast<char16_t>(u'a' + i % 26);
+    text += u"\u00e9\u2103\n\u0100";
+    TextWriter whole(TextEncoding::EightBit);
+    whole.put(std::u16string_view(text));
+    for (const TextEncoding encoding : {TextEncoding::Utf16Le, TextEncoding::EightBit}) {
+        TextWriter pieces(encoding);
+        for (std::size_t at = 0; at < text.size(); at += 700) {
+            const std::u16string_view piece = std::u16string_view(text).substr(at, 700);
+            if (at % 1400 == 0 && piece.find_first_of(u"\u00e9\u2103\u0100") == std::u16string_view::npos)
+                pieces.put(utf16ToUtf8(piece));  // ASCII pieces as narrow text
+            else
+                pieces.put(piece);
+        }
+        EXPECT_EQ(pieces.text(), text);
+        if (encoding == TextEncoding::EightBit) {
+            EXPECT_TRUE(sameBytes(pieces.bytes(), whole.bytes()));
+        }
+        const std::string bytes = pieces.bytes();
+        const std::size_t unit = encoding == TextEncoding::Utf16Le ? 2 : 1;
+        const std::size_t mark = encoding == TextEncoding::Utf16Le ? 2 : 0;
+        const auto lineEnds = static_cast<std::size_t>(std::count(text.begin(), text.end(), u'\n'));
+        EXPECT_EQ(bytes.size(), mark + unit * (text.size() + lineEnds));
+    }
+    // Characters without an 8-bit code are "?" in the file only.
+    const std::string narrow = whole.bytes();
+    EXPECT_EQ(narrow.substr(narrow.size() - 5), "\xE9?\r\n?");
 }
 
 TEST(TextWriter, FormatsWithPrintfWidths)
