@@ -8,6 +8,7 @@
 #include "cli/commands.h"
 #include "cli/materialio.h"
 #include "cli/messages.h"
+#include "cold/coldfit.h"
 #include "cold/curvefile.h"
 #include "material/tensilechain.h"
 
@@ -124,7 +125,13 @@ int runFitCold(const ParsedArguments& args)
         settings.targetError = targetError;
     settings.neckingConstraint = args.flag("--necking-constraint");
     settings.weighted = args.flag("--weighted");
-    settings.polish = args.flag("--polish");
+    int method = args.flag("--polish") ? 2 : 0;
+    static constexpr std::string_view kMethods[] = {"descent", "least-squares", "descent+least-squares"};
+    if (args.flag("--polish") && args.option("--method") && *args.option("--method") != kMethods[2])
+        return fail("option '--polish' is '--method descent+least-squares'; give one of them");
+    if (!choiceOption(args, "--method", kMethods, method, error))
+        return fail(error);
+    settings.method = static_cast<FitMethod>(method);
 
     TensileFit fit = fitTensileLaw(document.material(), std::move(*entered.record), *lawId, settings, document.environment());
     if (!fit.material)
@@ -132,7 +139,11 @@ int runFitCold(const ParsedArguments& args)
     PendingOutputs outputs;
     if (!stageResults(args, document, std::move(*fit.material), outputs, error))
         return fail(error);
-    if (const int status = printResult(fit.text + "\n"); status != 0)
+    // The described text alone unless another method was asked for.
+    std::string text = fit.text + "\n";
+    if (settings.method != FitMethod::Descent)
+        text += fitEndText(*fit.law, fit.end) + "\n";
+    if (const int status = printResult(text); status != 0)
         return status;
     return commitOutputs(outputs);
 }
@@ -192,6 +203,7 @@ std::span<const Command> coldCommands()
             "         --diameter D --gauge-length L [--length-unit mm|inch|percent]\n"
             "         [--force-unit N|kN|kgf|ton|lbf] --law LAW [--start I] [--necking J]\n"
             "         [--necking-constraint] [--weighted] [--polish] [--max-iter N] [--target-error E]\n"
+            "         [--method descent|least-squares|descent+least-squares]\n"
             "         -o OUT.zmat [--export LIB.z3dlib]\n"
             "\n"
             "Converts and reduces the curve as the tensile screen does, fits the law and prints\n"
@@ -203,10 +215,17 @@ std::span<const Command> coldCommands()
             "weight) separated by blanks, tabs, commas or semicolons; '#' lines and a header\n"
             "are skipped. Load input is displacement and force; for stress-strain input the\n"
             "length unit 'inch' (or 'percent') means strains in percent. The necking index\n"
-            "defaults to the point of maximum engineering stress. --polish refines the plain\n"
-            "fit with a bounded Levenberg-Marquardt least-squares solver.\n",
+            "defaults to the point of maximum engineering stress.\n"
+            "\n"
+            "--method chooses the fit: the steepest descent (default), bounded least squares\n"
+            "from several starts (the law's start, the log-log line, a search over the\n"
+            "nonlinear parameters), or least squares after the descent from its end as well;\n"
+            "--polish is the last. Least squares fits the plain error: with\n"
+            "--necking-constraint or --weighted the descent runs alone. With a method other\n"
+            "than the default a last line tells how the fit stopped and which parameters\n"
+            "ended at a bound.\n",
             {{"--curve", "--input", "--diameter", "--gauge-length", "--length-unit", "--force-unit", "--law",
-                 "--start", "--necking", "--max-iter", "--target-error", kOutput, kExport},
+                 "--start", "--necking", "--max-iter", "--target-error", "--method", kOutput, kExport},
                 {"--curve", "--input", "--diameter", "--gauge-length", "--law", kOutput}, {"MATERIAL.zmat"}, 1,
                 {"--necking-constraint", "--weighted", "--polish"}},
             runFitCold},

@@ -18,6 +18,8 @@ public:
     std::vector<const char*> variableNames() const override { return {"Y0", "s0", "n"}; }
     std::vector<ParameterBound> defaultBounds() const override;
     std::string resultText() const override;
+    std::vector<SearchAxis> searchAxes(const FitPoints& points) const override;
+    bool logLogStart(const FitPoints& points, double* p) const override;
     bool writeLibraryBlock(TextWriter& out, int version) const override;
 
 protected:
@@ -34,6 +36,8 @@ public:
     std::vector<const char*> variableNames() const override { return {"K", "n"}; }
     std::vector<ParameterBound> defaultBounds() const override;
     std::string resultText() const override;
+    std::vector<SearchAxis> searchAxes(const FitPoints& points) const override;
+    bool logLogStart(const FitPoints& points, double* p) const override;
     bool writeLibraryBlock(TextWriter& out, int version) const override;
     // Closed form from the necking condition at the record's necking index.
     bool fitNeckingConstrained(const RunControl& control = {}) override;
@@ -50,6 +54,8 @@ public:
     std::vector<const char*> variableNames() const override { return {"Y0", "K", "n"}; }
     std::vector<ParameterBound> defaultBounds() const override;
     std::string resultText() const override;
+    std::vector<SearchAxis> searchAxes(const FitPoints& points) const override;
+    bool logLogStart(const FitPoints& points, double* p) const override;
     bool writeLibraryBlock(TextWriter& out, int version) const override;
 
 protected:
@@ -65,6 +71,7 @@ public:
     std::vector<const char*> variableNames() const override { return {"Y0", "s0", "T", "m", "C"}; }
     std::vector<ParameterBound> defaultBounds() const override;
     std::string resultText() const override;
+    std::vector<SearchAxis> searchAxes(const FitPoints& points) const override;
 
 protected:
     void estimateStart(const FitPoints& points, double* p) const override;
@@ -79,6 +86,7 @@ public:
     std::vector<const char*> variableNames() const override { return {"Y0", "V1", "V2", "h1"}; }
     std::vector<ParameterBound> defaultBounds() const override;
     std::string resultText() const override;
+    std::vector<SearchAxis> searchAxes(const FitPoints& points) const override;
 
 protected:
     ErrorRule errorRule() const override { return ErrorRule::PerPoint; }
@@ -93,6 +101,7 @@ public:
     std::vector<const char*> variableNames() const override { return {"V0", "V1", "V2", "V3"}; }
     std::vector<ParameterBound> defaultBounds() const override;
     std::string resultText() const override;
+    std::vector<SearchAxis> searchAxes(const FitPoints& points) const override;
 
 protected:
     void estimateStart(const FitPoints& points, double* p) const override;
@@ -106,6 +115,7 @@ public:
     std::vector<const char*> variableNames() const override { return {"V0", "V1", "V2", "V3"}; }
     std::vector<ParameterBound> defaultBounds() const override;
     std::string resultText() const override;
+    std::vector<SearchAxis> searchAxes(const FitPoints& points) const override;
 
 protected:
     ErrorRule errorRule() const override { return ErrorRule::PerPoint; }
@@ -121,6 +131,7 @@ public:
     std::vector<const char*> variableNames() const override { return {"V0", "V1", "V2"}; }
     std::vector<ParameterBound> defaultBounds() const override;
     std::string resultText() const override;
+    std::vector<SearchAxis> searchAxes(const FitPoints& points) const override;
 
 protected:
     void estimateStart(const FitPoints& points, double* p) const override;

@@ -85,10 +85,9 @@ TensileFit fitRecord(const Project& material, std::shared_ptr<RoomOri> record, C
     record->targetError = settings.targetError.value_or(record->targetError);
     record->neckingConstraint = settings.neckingConstraint;
     record->weighted = settings.weighted;
-    record->polishWithLeastSquares = settings.polish;
 
     TensileFit fit;
-    const ColdFitResult result = fitColdLaw(*record, law, control);
+    const ColdFitResult result = fitColdLaw(*record, law, control, settings.method);
     if (!result.law) {
         fit.error = result.message;
         fit.cancelled = result.cancelled;
@@ -101,6 +100,7 @@ TensileFit fitRecord(const Project& material, std::shared_ptr<RoomOri> record, C
         writeSwiftComparisonTable(*result.law, environment.exchangeFolder, ignored);
     }
     fit.text = result.text;
+    fit.end = result.end;
     fit.law = result.law;
     fit.material = withRecord(material, std::move(record));
     return fit;

@@ -91,8 +91,8 @@ std::string allFits(const RoomOri& record)
             RoomOri r = record;
             r.neckingConstraint = mode == 1;
             r.weighted = mode == 2;
-            r.polishWithLeastSquares = mode == 3;
-            const ColdFitResult result = fitColdLaw(r, id, {});
+            const ColdFitResult result
+                = fitColdLaw(r, id, {}, mode == 3 ? FitMethod::DescentThenLeastSquares : FitMethod::Descent);
             text += formatText("== %s, %s\n", coldLawTitle(id), modes[mode]);
             text += (result.law ? result.text : result.message) + "\n";
         }
