@@ -35,9 +35,11 @@ inline RoomOri trueCurveRecord(bool noisy, std::size_t count = 2000)
     return record;
 }
 
-// A measured load-displacement test (mm, N) of a round specimen of diameter 10 mm
-// and gauge length 75 mm, fitted from the start row on to the largest engineering stress.
-inline RoomOri measuredTensileRecord(const std::string& path, int start)
+// A measured load-displacement test (mm, N) of a round specimen (of diameter 10 mm
+// and gauge length 75 mm unless told), fitted from the start row on to the largest
+// engineering stress, as the tensile screen makes it.
+inline RoomOri measuredTensileRecord(const std::string& path, int start, double diameter = 10.0,
+                                     double gaugeLength = 75.0)
 {
     std::string error;
     const auto bytes = readFileBytes(path, error);
@@ -46,8 +48,8 @@ inline RoomOri measuredTensileRecord(const std::string& path, int start)
         throw std::runtime_error(path + ": " + error);
     RoomOri record;
     record.inputKind = LoadDisplacement;
-    record.diameter = 10.0;
-    record.gaugeLength = 75.0;
+    record.diameter = diameter;
+    record.gaugeLength = gaugeLength;
     record.curves[LoadDisplacement] = std::move(*curve);
     double area = 0.0;
     if (convertEnteredUnits(record) || deriveCurveForms(record, area))

@@ -244,7 +244,9 @@ void PLASTIC_Kim_Tuan::estimateStart(const FitPoints& points, double* q) const
 
 std::vector<SearchAxis> PLASTIC_Kim_Tuan::searchAxes(const FitPoints& points) const
 {
-    return {{1, 1e-5, 1.0, true}, {3, -0.5, 1.5, false}, rateAxis(4, points)};
+    // m falls below 0 and C towards 0 where the saturation turns into a straight rise.
+    const double last = lastStrain(points);
+    return {{1, 1e-6, 1.0, true}, {3, -1.5, 1.5, false}, {4, 1e-3 / last, 3000.0 / last, true}};
 }
 
 std::string PLASTIC_Kim_Tuan::resultText() const

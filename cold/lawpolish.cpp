@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <optional>
+#include <utility>
 
 #include <Eigen/Dense>
 
@@ -17,7 +17,7 @@ namespace {
 // tell its nodes apart, few enough to try hundreds of them in well under a millisecond.
 constexpr std::size_t kSearchPoints = 32;
 // Nodes along each axis of the start search, by the number of axes searched.
-constexpr std::array<int, 4> kNodesPerAxis = {1, 40, 14, 7};
+constexpr std::array<int, 4> kNodesPerAxis = {1, 40, 14, 8};
 constexpr std::size_t kMostLinear = 4;
 
 bool isHeld(unsigned held, std::size_t i) { return i < 32 && ((held >> i) & 1u); }
@@ -37,8 +37,8 @@ std::vector<bool> linearParameters(const ColdLaw& law, const FitPoints& points)
 // partial derivatives, so one set of derivatives gives both.
 class LawResiduals {
 public:
-    LawResiduals(const ColdLaw& law, const std::vector<double>& full)
-        : law_(law), points_(law.fittedPoints()), full_(full), count_(law.parameterCount()),
+    LawResiduals(const ColdLaw& law, const FitPoints& points)
+        : law_(law), points_(points), full_(law.parameterCount()), count_(law.parameterCount()),
           linear_(linearParameters(law, points_)), partials_(points_.size() * count_)
     {
         const unsigned held = law.heldParameters();
@@ -46,9 +46,21 @@ public:
             if (!isHeld(held, i))
                 free_.push_back(i);
         const bool weighted = law.errorRuleOfLaw() == ErrorRule::PerPoint || points_.firstPointWeighted;
-        for (std::size_t i = 0; i < points_.size(); ++i)
+        double weights = 0.0;
+        for (std::size_t i = 0; i < points_.size(); ++i) {
             rootWeight_.push_back(weighted ? std::sqrt(std::max(0.0, points_.weight[i])) : 1.0);
+            weights += points_.weight[i];
+        }
+        // The law's error from the sum of squares, by the rule of ColdLaw::errorOf.
+        const bool byWeights = law.errorRuleOfLaw() == ErrorRule::WeightedMean && points_.firstPointWeighted;
+        divisor_ = byWeights ? weights : static_cast<double>(points_.size());
     }
+
+    // The next fit starts from full: the parameters that don't move keep its values.
+    void startFrom(const std::vector<double>& full) { full_ = full; }
+    double errorOf(double sumOfSquares) const { return std::sqrt(sumOfSquares / divisor_); }
+
+    LeastSquaresWork work;  // the solver's buffers, the same for every start
 
     ResidualProblem problem()
     {
@@ -104,9 +116,10 @@ private:
     }
 
     const ColdLaw& law_;
-    FitPoints points_;
+    const FitPoints& points_;
     std::vector<double> full_;
     std::size_t count_;
+    double divisor_ = 1.0;
     std::vector<bool> linear_;
     std::vector<double> partials_;
     std::vector<std::size_t> free_;
@@ -129,13 +142,15 @@ FitPoints thinned(const FitPoints& all)
 }
 
 // The nodes of the search over the nonlinear parameters that move, each with the
-// linear ones that move solved by least squares; the node with the least sum of
-// squares, or nothing when no node gives an admissible law within the bounds.
-std::optional<std::vector<double>> searchedStart(const ColdLaw& law, const std::vector<double>& base)
+// linear ones that move solved by least squares; the nodes with the least sums of
+// squares among those lower than their neighbours along every axis (one a valley),
+// one more than axes were searched, best first.
+// None where no node gives an admissible law within the bounds.
+std::vector<std::vector<double>> searchedStarts(const ColdLaw& law, const FitPoints& all,
+                                                const std::vector<double>& base)
 {
-    const FitPoints all = law.fittedPoints();
     if (all.size() == 0)
-        return std::nullopt;
+        return {};
     const FitPoints points = thinned(all);
     const unsigned held = law.heldParameters();
     const std::vector<ParameterBound> table = law.bounds();
@@ -156,7 +171,7 @@ std::optional<std::vector<double>> searchedStart(const ColdLaw& law, const std::
         if (linear[k] && !isHeld(held, k))
             solved.push_back(k);
     if (axes.empty() || axes.size() >= kNodesPerAxis.size() || solved.size() > kMostLinear)
-        return std::nullopt;
+        return {};
     const bool weighted = law.errorRuleOfLaw() == ErrorRule::PerPoint || points.firstPointWeighted;
 
     const int nodes = kNodesPerAxis[axes.size()];
@@ -166,8 +181,9 @@ std::optional<std::vector<double>> searchedStart(const ColdLaw& law, const std::
     };
     const std::size_t count = law.parameterCount();
     std::vector<double> p = base, d(count);
-    std::optional<std::vector<double>> best;
-    double bestSse = HUGE_VAL;
+    // Every node's sum of squares (infinite where it gives no law) and parameters.
+    std::vector<double> sums;
+    std::vector<std::vector<double>> nodeParameters;
     using Small = Eigen::Matrix<double, Eigen::Dynamic, Eigen::Dynamic, 0, kMostLinear, kMostLinear>;
     using SmallVector = Eigen::Matrix<double, Eigen::Dynamic, 1, 0, kMostLinear, 1>;
     const auto columns = static_cast<Eigen::Index>(solved.size());
@@ -202,53 +218,53 @@ std::optional<std::vector<double>> searchedStart(const ColdLaw& law, const std::
                 p[k] = b[c];
                 inside = p[k] >= table[k].minimum && p[k] <= table[k].maximum;
             }
-            if (inside && sse < bestSse && law.admissible(p.data())) {
-                bestSse = sse;
-                best = p;
-            }
+            inside = inside && law.admissible(p.data());
+            sums.push_back(inside ? sse : HUGE_VAL);
+        } else {
+            sums.push_back(HUGE_VAL);
         }
+        nodeParameters.push_back(p);
         std::size_t a = 0;
         while (a < node.size() && ++node[a] == nodes)
             node[a++] = 0;
         if (a == node.size())
             break;
     }
-    return best;
-}
-
-}  // namespace
-
-std::vector<std::vector<double>> leastSquaresStarts(const ColdLaw& law)
-{
-    std::vector<std::vector<double>> starts;
-    const auto add = [&](std::vector<double> start) {
-        if (std::find(starts.begin(), starts.end(), start) == starts.end())
-            starts.push_back(std::move(start));
-    };
-    const std::vector<double> own = law.startParameters();
-    add(own);
-    const FitPoints points = law.fittedPoints();
-    std::vector<double> line = own;
-    if (points.size() > 0 && law.logLogStart(points, line.data())) {
-        // Fixed parameters keep their values whatever the line says.
-        for (std::size_t i = 0; i < line.size(); ++i)
-            if (law.isFixed(i))
-                line[i] = own[i];
-        add(line);
+    // Node index = sum of node[a] * nodes^a, the first axis counting fastest.
+    std::vector<std::pair<double, std::size_t>> valleys;
+    for (std::size_t at = 0; at < sums.size(); ++at) {
+        if (!std::isfinite(sums[at]))
+            continue;
+        bool lowest = true;
+        std::size_t stride = 1;
+        for (std::size_t a = 0; a < axes.size() && lowest; ++a, stride *= static_cast<std::size_t>(nodes)) {
+            const std::size_t position = at / stride % static_cast<std::size_t>(nodes);
+            if (position > 0 && sums[at - stride] < sums[at])
+                lowest = false;
+            if (position + 1 < static_cast<std::size_t>(nodes) && sums[at + stride] < sums[at])
+                lowest = false;
+        }
+        if (lowest)
+            valleys.push_back({sums[at], at});
     }
-    if (std::optional<std::vector<double>> searched = searchedStart(law, own))
-        add(std::move(*searched));
+    std::sort(valleys.begin(), valleys.end());
+    std::vector<std::vector<double>> starts;
+    for (std::size_t k = 0; k < valleys.size() && k <= axes.size(); ++k)
+        starts.push_back(std::move(nodeParameters[valleys[k].second]));
     return starts;
 }
 
-LawLeastSquares fitLawFromStart(const ColdLaw& law, const std::vector<double>& start, const RunControl& control)
+// From one start with the residuals' own points; the error by their measure.
+LawLeastSquares fitFrom(const ColdLaw& law, LawResiduals& residuals, const std::vector<double>& start,
+                        const RunControl& control)
 {
     LawLeastSquares result;
     if (start.size() != law.parameterCount())
         return result;
-    LawResiduals residuals(law, start);
+    residuals.startFrom(start);
     const BoundedFit fit = boundedLevenbergMarquardt(residuals.problem(), residuals.freeOf(start),
-                                                     residuals.limits(false), residuals.limits(true), {}, control);
+                                                     residuals.limits(false), residuals.limits(true), {}, control,
+                                                     &residuals.work);
     if (fit.stop == FitStop::Cancelled) {
         result.cancelled = true;
         return result;
@@ -256,7 +272,7 @@ LawLeastSquares fitLawFromStart(const ColdLaw& law, const std::vector<double>& s
     if (!fit.usable())
         return result;
     result.parameters = residuals.fullOf(fit.x);
-    result.error = law.objective(result.parameters, law.fittedPoints().size());
+    result.error = residuals.errorOf(fit.sumOfSquares);
     result.end.iterations = fit.iterations;
     result.end.bounds = law.boundsReached(result.parameters);
     result.end.stop = fit.stop;
@@ -265,16 +281,55 @@ LawLeastSquares fitLawFromStart(const ColdLaw& law, const std::vector<double>& s
     return result;
 }
 
+std::vector<std::vector<double>> startsOf(const ColdLaw& law, const FitPoints& points)
+{
+    std::vector<std::vector<double>> starts;
+    const auto add = [&](std::vector<double> start) {
+        if (std::find(starts.begin(), starts.end(), start) == starts.end())
+            starts.push_back(std::move(start));
+    };
+    const std::vector<double> own = law.startParameters();
+    add(own);
+    std::vector<double> line = own;
+    if (points.size() > 0 && law.logLogStart(points, line.data())) {
+        // Parameters that don't move keep their values whatever the line says.
+        const unsigned held = law.heldParameters();
+        for (std::size_t i = 0; i < line.size(); ++i)
+            if (isHeld(held, i))
+                line[i] = own[i];
+        add(line);
+    }
+    for (std::vector<double>& searched : searchedStarts(law, points, own))
+        add(std::move(searched));
+    return starts;
+}
+
+}  // namespace
+
+std::vector<std::vector<double>> leastSquaresStarts(const ColdLaw& law) { return startsOf(law, law.fittedPoints()); }
+
+LawLeastSquares fitLawFromStart(const ColdLaw& law, const std::vector<double>& start, const RunControl& control)
+{
+    const FitPoints points = law.fittedPoints();
+    LawResiduals residuals(law, points);
+    LawLeastSquares fit = fitFrom(law, residuals, start, control);
+    if (!fit.parameters.empty())
+        fit.error = law.objective(fit.parameters, points.size());
+    return fit;
+}
+
 LawLeastSquares fitLawLeastSquares(const ColdLaw& law, const std::vector<std::vector<double>>& more,
                                    const RunControl& control)
 {
-    std::vector<std::vector<double>> starts = leastSquaresStarts(law);
+    const FitPoints points = law.fittedPoints();
+    std::vector<std::vector<double>> starts = startsOf(law, points);
     for (const std::vector<double>& start : more)
         if (std::find(starts.begin(), starts.end(), start) == starts.end())
             starts.push_back(start);
+    LawResiduals residuals(law, points);
     LawLeastSquares best;
     for (std::size_t k = 0; k < starts.size(); ++k) {
-        LawLeastSquares fit = fitLawFromStart(law, starts[k], control);
+        LawLeastSquares fit = fitFrom(law, residuals, starts[k], control);
         if (fit.cancelled)
             return fit;
         if (!fit.parameters.empty() && std::isfinite(fit.error)
@@ -282,6 +337,9 @@ LawLeastSquares fitLawLeastSquares(const ColdLaw& law, const std::vector<std::ve
             best = std::move(fit);
         control.report(static_cast<int>((k + 1) * 100 / starts.size()));
     }
+    // The error as every other fit reports it, from the law's own evaluation.
+    if (!best.parameters.empty())
+        best.error = law.objective(best.parameters, points.size());
     return best;
 }
 

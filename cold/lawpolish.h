@@ -18,7 +18,7 @@ struct LawLeastSquares {
 };
 
 // Where the method starts, in this order and without repeats: the law's start,
-// the log-log line (power laws), and the best node of a search over the
+// the log-log line (power laws), and the best nodes of a search over the
 // nonlinear parameters with the linear ones solved at each node.
 std::vector<std::vector<double>> leastSquaresStarts(const ColdLaw& law);
 

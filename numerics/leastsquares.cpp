@@ -118,7 +118,8 @@ bool evaluateAt(const ResidualProblem& problem, const Eigen::VectorXd& x, Eigen:
 
 BoundedFit boundedLevenbergMarquardt(const ResidualProblem& problem, const Eigen::VectorXd& start,
                                      const Eigen::VectorXd& lower, const Eigen::VectorXd& upper,
-                                     const LeastSquaresSettings& settings, const RunControl& control)
+                                     const LeastSquaresSettings& settings, const RunControl& control,
+                                     LeastSquaresWork* work)
 {
     BoundedFit fit;
     fit.x = start;
@@ -131,8 +132,17 @@ BoundedFit boundedLevenbergMarquardt(const ResidualProblem& problem, const Eigen
     }
     const Eigen::Index m = problem.values;
     Eigen::VectorXd x = start.cwiseMax(lower).cwiseMin(upper);
-    Eigen::VectorXd r(m), trialR(m), trial(p);
-    Eigen::MatrixXd j(m, p), trialJ(m, p);
+    LeastSquaresWork own;
+    LeastSquaresWork& buffers = work ? *work : own;
+    Eigen::VectorXd& r = buffers.residuals;
+    Eigen::VectorXd& trialR = buffers.trialResiduals;
+    Eigen::MatrixXd& j = buffers.jacobian;
+    Eigen::MatrixXd& trialJ = buffers.trialJacobian;
+    r.resize(m);
+    trialR.resize(m);
+    j.resize(m, p);
+    trialJ.resize(m, p);
+    Eigen::VectorXd trial(p);
     ++fit.evaluations;
     if (!evaluateAt(problem, x, r, j))
         return fit;
@@ -165,8 +175,10 @@ BoundedFit boundedLevenbergMarquardt(const ResidualProblem& problem, const Eigen
             return finish(FitStop::IterationLimit);
         if (control.stopRequested())
             return finish(FitStop::Cancelled);
-        normal.noalias() = j.transpose() * j;
-        gradient.noalias() = j.transpose() * r;
+        // Coefficient by coefficient: a few columns over many rows, where a blocked
+        // product would only allocate its workspace.
+        normal.noalias() = j.transpose().lazyProduct(j);
+        gradient.noalias() = j.transpose().lazyProduct(r);
         // Held: at a bound with the gradient pointing out of the box.
         Eigen::Index free = 0;
         for (Eigen::Index k = 0; k < p; ++k) {

@@ -49,7 +49,7 @@ struct ResidualProblem {
 };
 
 struct LeastSquaresSettings {
-    int maxIterations = 500;
+    int maxIterations = 2000;
     // Converged when an accepted step lowers the sum of squares by less than this
     // fraction of it, or moves every parameter by less than this fraction of itself.
     double relativeReduction = 1e-12;
@@ -67,6 +67,13 @@ struct BoundedFit {
     bool usable() const { return started && stop != FitStop::Cancelled; }
 };
 
+// The solver's residuals and Jacobians, kept by a caller that fits many times so
+// that long curves are not allocated again for every start.
+struct LeastSquaresWork {
+    Eigen::VectorXd residuals, trialResiduals;
+    Eigen::MatrixXd jacobian, trialJacobian;
+};
+
 // Minimises the sum of squared residuals within [lower, upper] by a projected
 // Levenberg-Marquardt: parameters at a bound that the gradient pushes outwards
 // are held there, the others take the damped Gauss-Newton step in scaled
@@ -75,7 +82,8 @@ struct BoundedFit {
 // with no parameter or fewer residuals, comes back unmoved with no evaluation.
 BoundedFit boundedLevenbergMarquardt(const ResidualProblem& problem, const Eigen::VectorXd& start,
                                      const Eigen::VectorXd& lower, const Eigen::VectorXd& upper,
-                                     const LeastSquaresSettings& settings = {}, const RunControl& control = {});
+                                     const LeastSquaresSettings& settings = {}, const RunControl& control = {},
+                                     LeastSquaresWork* work = nullptr);
 
 // The x in [lo, hi] where f is least, by golden-section search from the best of
 // a coarse scan (the functions met here are not unimodal over the whole range).
