@@ -18,19 +18,6 @@ constexpr int kGridStepsBetweenStopChecks = 1000;
 // is at it: the strict limits (s0 > 0, n < 1) are only approached.
 constexpr double kAtBound = 1e-9;
 
-FitStop fitStopOf(DescentStop stop)
-{
-    switch (stop) {
-    case DescentStop::IterationLimit: return FitStop::IterationLimit;
-    case DescentStop::StepTooSmall:
-    case DescentStop::NonFiniteStart:
-    case DescentStop::NonFiniteParameter: return FitStop::StepFloor;
-    case DescentStop::Cancelled: return FitStop::Cancelled;
-    case DescentStop::TargetReached:
-    case DescentStop::FlatGradient: break;
-    }
-    return FitStop::Converged;
-}
 
 }  // namespace
 
