@@ -3,10 +3,12 @@
 // the descent's guards: of the stress error, of the error of ln σ, and after the
 // descent. Prints Markdown tables.
 #include <cstdio>
+#include <fstream>
 #include <string>
 
 #include "bench/hotcurves.h"
 #include "hot/hotmodels.h"
+#include "hot/plastic_17.h"
 #include "hot/stresstable.h"
 
 namespace {
@@ -39,10 +41,49 @@ void compareMethods(const char* name, const PLASTIC_HOT& dataSet)
     }
 }
 
+// The measured series as the least-squares fit sees it, for bench/scipy/hotoptimum.py:
+// a line "entry" per stress-table entry (the nine factors of ln σ, the stress, the
+// weight), the guards' limits of A .. m9 and the descent's automatic start.
+void writeEntries(const char* path, const PLASTIC_HOT& dataSet)
+{
+    const HotStressTable table(dataSet);
+    HenselSpittelObjective objective(dataSet, table, {}, 0);
+    const HenselSpittelParameters start = henselSpittelStart(dataSet, table, 0, objective);
+    objective.setStartM1(start[M1]);
+    HenselSpittelParameters lower{}, upper{};
+    objective.guardLimits(lower, upper);
+    std::ofstream out(path);
+    char text[64];
+    const auto put = [&](double v) {
+        std::snprintf(text, sizeof text, " %.17g", v);
+        out << text;
+    };
+    for (std::size_t e = 0; e < objective.entryCount(); ++e) {
+        out << "entry";
+        for (int i = 0; i < 9; ++i)
+            put(objective.factors()(static_cast<Eigen::Index>(e), i));
+        put(objective.stresses()(static_cast<Eigen::Index>(e)));
+        put(objective.weights()(static_cast<Eigen::Index>(e)));
+        out << "\n";
+    }
+    const std::pair<const char*, const HenselSpittelParameters*> rows[] = {
+        {"lower", &lower}, {"upper", &upper}, {"start", &start}};
+    for (const auto& [name, row] : rows) {
+        out << name;
+        for (const double v : *row)
+            put(v);
+        out << "\n";
+    }
+}
+
 }  // namespace
 
-int main()
+int main(int argc, char** argv)
 {
+    if (argc == 3 && std::string(argv[1]) == "--entries") {
+        writeEntries(argv[2], bench::measuredDataSet());
+        return 0;
+    }
     const PLASTIC_HOT measured = bench::measuredDataSet();
     const PLASTIC_HOT synthetic = bench::syntheticDataSet(6, {0.01, 0.1, 1.0, 10.0});
     std::printf("Measured series: %zu temperatures x %zu rates x %zu sample strains\n\n", measured.temperatures.size(),
