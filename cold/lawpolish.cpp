@@ -19,6 +19,9 @@ constexpr std::size_t kSearchPoints = 32;
 // Nodes along each axis of the start search, by the number of axes searched.
 constexpr std::array<int, 4> kNodesPerAxis = {1, 40, 14, 8};
 constexpr std::size_t kMostLinear = 4;
+// Steps each start takes before the best of them alone goes on: most starts settle
+// in a few dozen, and one that crawls along a valley is seldom the best.
+constexpr int kFirstIterations = 100;
 
 bool isHeld(unsigned held, std::size_t i) { return i < 32 && ((held >> i) & 1u); }
 
@@ -256,15 +259,17 @@ std::vector<std::vector<double>> searchedStarts(const ColdLaw& law, const FitPoi
 
 // From one start with the residuals' own points; the error by their measure.
 LawLeastSquares fitFrom(const ColdLaw& law, LawResiduals& residuals, const std::vector<double>& start,
-                        const RunControl& control)
+                        const RunControl& control, int maxIterations = LeastSquaresSettings{}.maxIterations)
 {
     LawLeastSquares result;
     if (start.size() != law.parameterCount())
         return result;
     residuals.startFrom(start);
+    LeastSquaresSettings settings;
+    settings.maxIterations = maxIterations;
     const BoundedFit fit = boundedLevenbergMarquardt(residuals.problem(), residuals.freeOf(start),
-                                                     residuals.limits(false), residuals.limits(true), {}, control,
-                                                     &residuals.work);
+                                                     residuals.limits(false), residuals.limits(true), settings,
+                                                     control, &residuals.work);
     if (fit.stop == FitStop::Cancelled) {
         result.cancelled = true;
         return result;
@@ -329,14 +334,25 @@ LawLeastSquares fitLawLeastSquares(const ColdLaw& law, const std::vector<std::ve
     LawResiduals residuals(law, points);
     LawLeastSquares best;
     for (std::size_t k = 0; k < starts.size(); ++k) {
-        LawLeastSquares fit = fitFrom(law, residuals, starts[k], control);
+        LawLeastSquares fit = fitFrom(law, residuals, starts[k], control, kFirstIterations);
         if (fit.cancelled)
             return fit;
         if (!fit.parameters.empty() && std::isfinite(fit.error)
             && (best.parameters.empty() || fit.error < best.error))
             best = std::move(fit);
-        control.report(static_cast<int>((k + 1) * 100 / starts.size()));
+        control.report(static_cast<int>((k + 1) * 100 / std::max<std::size_t>(starts.size(), 1) * 9 / 10));
     }
+    // Only the best start goes on along a long valley.
+    if (!best.parameters.empty() && best.end.stop == FitStop::IterationLimit) {
+        LawLeastSquares fit = fitFrom(law, residuals, best.parameters, control);
+        if (fit.cancelled)
+            return fit;
+        if (!fit.parameters.empty() && fit.error <= best.error) {
+            fit.end.iterations += best.end.iterations;
+            best = std::move(fit);
+        }
+    }
+    control.report(100);
     // The error as every other fit reports it, from the law's own evaluation.
     if (!best.parameters.empty())
         best.error = law.objective(best.parameters, points.size());
