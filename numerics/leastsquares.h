@@ -52,8 +52,8 @@ struct LeastSquaresSettings {
     int maxIterations = 2000;
     // Converged when an accepted step lowers the sum of squares by less than this
     // fraction of it, or moves every parameter by less than this fraction of itself.
-    double relativeReduction = 1e-12;
-    double relativeStep = 1e-11;
+    double relativeReduction = 1e-10;
+    double relativeStep = 1e-10;
 };
 
 struct BoundedFit {
