@@ -1,6 +1,7 @@
 // The least-squares method of the cold laws: that it reaches the bounded optimum,
 // says how it stopped and which parameter ended at a bound, keeps what is fixed,
-// hears a stop, and leaves the constrained and weighted fits to the descent.
+// and hears a stop. (It leaves the constrained and weighted fits to the descent:
+// coldfittest.cpp, with the polish.)
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -166,25 +167,6 @@ TEST(ColdLeastSquares, KeepsFixedParametersAndFindsTheOthers)
     const ColdFitResult held = fitColdLaw(record, ColdLawId::Swift, {}, FitMethod::LeastSquares);
     EXPECT_EQ(held.law->parameters[1], 0.05);
     EXPECT_EQ(held.law->parameters[2], 0.22);
-}
-
-TEST(ColdLeastSquares, LeavesConstrainedAndWeightedFitsToTheDescent)
-{
-    RoomOri record = trueRecord(swiftCurve, 60);
-    record.maxIterations = 300;
-    for (CurvePoint& p : record.curves[TrueCurve]) {
-        p.weight = p.x < 0.1 ? 1.0 : 0.2;
-        p.hasWeight = true;
-    }
-    for (const bool necking : {true, false}) {
-        RoomOri r = record;
-        r.neckingConstraint = necking;
-        r.weighted = !necking;
-        const ColdFitResult descent = fitColdLaw(r, ColdLawId::VoceGeneral, {});
-        const ColdFitResult asked = fitColdLaw(r, ColdLawId::VoceGeneral, {}, FitMethod::LeastSquares);
-        EXPECT_EQ(asked.law->parameters, descent.law->parameters);
-        EXPECT_EQ(asked.text, descent.text);
-    }
 }
 
 TEST(ColdLeastSquares, ProgressRisesToHundredAndAStopEndsItCancelled)
