@@ -1,10 +1,17 @@
 #pragma once
 // Tensile records for the cold benchmarks: a clean Swift curve and a noisy one
-// with a yield plateau, 2,000 true points each.
+// with a yield plateau, 2,000 true points each; and the measured tensile tests of
+// tests/data/measured (lucasguesserts/mechanical_testing, MIT licence) as the
+// tensile screen reduces them.
 
 #include <cmath>
 #include <random>
+#include <stdexcept>
+#include <string>
 
+#include "base/fileio.h"
+#include "cold/curvefile.h"
+#include "cold/tensilereduction.h"
 #include "models/roomori.h"
 
 namespace zelko::bench {
@@ -25,6 +32,36 @@ inline RoomOri trueCurveRecord(bool noisy, std::size_t count = 2000)
     record.startIndex = 0;
     record.neckingIndex = static_cast<std::int32_t>(count - 1);
     record.endIndex = record.neckingIndex;
+    return record;
+}
+
+// A measured load-displacement test (mm, N) of a round specimen (of diameter 10 mm
+// and gauge length 75 mm unless told), fitted from the start row on to the largest
+// engineering stress, as the tensile screen makes it.
+inline RoomOri measuredTensileRecord(const std::string& path, int start, double diameter = 10.0,
+                                     double gaugeLength = 75.0)
+{
+    std::string error;
+    const auto bytes = readFileBytes(path, error);
+    std::optional<Curve> curve = bytes ? readCurveText(*bytes, error) : std::nullopt;
+    if (!curve)
+        throw std::runtime_error(path + ": " + error);
+    RoomOri record;
+    record.inputKind = LoadDisplacement;
+    record.diameter = diameter;
+    record.gaugeLength = gaugeLength;
+    record.curves[LoadDisplacement] = std::move(*curve);
+    double area = 0.0;
+    if (convertEnteredUnits(record) || deriveCurveForms(record, area))
+        throw std::runtime_error(path + ": cannot be reduced");
+    const Curve& engineering = record.curves[EngineeringCurve];
+    int necking = 0;
+    for (std::size_t i = 0; i < engineering.size(); ++i)
+        if (engineering[i].y > engineering[static_cast<std::size_t>(necking)].y)
+            necking = static_cast<int>(i);
+    record.startIndex = start;
+    record.neckingIndex = necking;
+    record.endIndex = static_cast<int>(engineering.size()) - 1;
     return record;
 }
 

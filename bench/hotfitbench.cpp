@@ -52,6 +52,26 @@ void BM_MeasuredFit(benchmark::State& state)
 }
 BENCHMARK(BM_MeasuredFit)->Arg(17)->Arg(50)->Arg(16)->Arg(161)->Arg(164)->Arg(169)->Arg(1600)->Unit(benchmark::kMillisecond);
 
+// Hensel-Spittel by least squares on the measured series: of the stress error
+// (0), of the error of ln σ (1), and after the descent (2).
+void BM_HenselSpittelLeastSquares(benchmark::State& state)
+{
+    const PLASTIC_HOT dataSet = bench::measuredDataSet();
+    HotFitOptions options;
+    options.method = state.range(0) == 2 ? FitMethod::DescentThenLeastSquares : FitMethod::LeastSquares;
+    options.objective = state.range(0) == 1 ? HotObjective::Relative : HotObjective::Absolute;
+    HotFitResult result;
+    for (auto _ : state) {
+        const HotFit fit = fitHotModel(dataSet, HotModelId::Type17, options);
+        result = fit.result;
+        benchmark::DoNotOptimize(fit.model->parameters.data());
+    }
+    const char* const labels[] = {"stress error", "error of ln stress", "after the descent"};
+    state.SetLabel(labels[state.range(0)]);
+    reportFit(state, result);
+}
+BENCHMARK(BM_HenselSpittelLeastSquares)->Arg(0)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond);
+
 std::shared_ptr<PLASTIC_HOT> fittedMapModel()
 {
     return fitHotModel(bench::syntheticDataSet(30, {0.001, 0.003, 0.01, 0.03, 0.1, 0.3, 1, 3, 10}), HotModelId::Type17,

@@ -78,6 +78,7 @@ std::span<const Command> coldCommands()
             "         [--force-unit N|kN|kgf|ton|lbf] --law LAW|all [--choose LAW]\n"
             "         [--start I|yield | --start-strain X] [--necking J] [--necking-constraint]\n"
             "         [--weighted] [--polish] [--max-iter N] [--target-error E]\n"
+            "         [--method descent|least-squares|descent+least-squares]\n"
             "         [-o OUT.zmat [--export LIB.z3dlib]] [--curve-out FILE.csv] [--png FILE.png]\n"
             "         [--json]\n"
             "\n"
@@ -107,15 +108,22 @@ std::span<const Command> coldCommands()
             "elastic slope taken from the curve itself), or the first row whose strain reaches\n"
             "X. By default it is the yield point for load and engineering input and row 0 for\n"
             "a true curve. The necking index defaults to the point of maximum engineering\n"
-            "stress. --polish refines the plain fit with a bounded Levenberg-Marquardt\n"
-            "least-squares solver.\n"
+            "stress.\n"
+            "\n"
+            "--method chooses the fit: the steepest descent (default), bounded least squares\n"
+            "from several starts (the law's start, the log-log line, a search over the\n"
+            "nonlinear parameters), or least squares after the descent from its end as well;\n"
+            "--polish is the last. Least squares fits the plain error: with\n"
+            "--necking-constraint or --weighted the descent runs alone. With a method other\n"
+            "than the default a last line tells how the fit stopped and which parameters\n"
+            "ended at a bound.\n"
             "\n"
             "--curve-out writes the measured true curve and the fitted law(s) as CSV; --png\n"
             "draws them with gnuplot ($ZELKO_GNUPLOT, else gnuplot on the PATH), over the\n"
             "measured range and extrapolated to true strain 1. --json prints one JSON object\n"
             "(parameters by name, errors, rows, file paths) instead of the text.\n",
             {{"--curve", "--input", "--diameter", "--gauge-length", "--length-unit", "--force-unit", "--law",
-                 "--choose", "--start", "--start-strain", "--necking", "--max-iter", "--target-error", kOutput, kExport,
+                 "--choose", "--start", "--start-strain", "--necking", "--max-iter", "--target-error", "--method", kOutput, kExport,
                  "--curve-out", "--png"},
                 {"--curve", "--input", "--diameter", "--gauge-length", "--law"}, {"MATERIAL.zmat"}, 1,
                 {"--necking-constraint", "--weighted", "--polish", "--json"}},

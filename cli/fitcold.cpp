@@ -1,5 +1,7 @@
 #include "cli/fitcold.h"
 
+#include "cold/coldfit.h"
+
 #include <algorithm>
 #include <array>
 #include <cctype>
@@ -210,7 +212,15 @@ bool parseSettings(const ParsedArguments& args, const RoomOri& record, TensileFi
         settings.targetError = targetError;
     settings.neckingConstraint = args.flag("--necking-constraint");
     settings.weighted = args.flag("--weighted");
-    settings.polish = args.flag("--polish");
+    int method = args.flag("--polish") ? 2 : 0;
+    static constexpr std::string_view kMethods[] = {"descent", "least-squares", "descent+least-squares"};
+    if (args.flag("--polish") && args.option("--method") && *args.option("--method") != kMethods[2]) {
+        error = "option '--polish' is '--method descent+least-squares'; give one of them";
+        return false;
+    }
+    if (!choiceOption(args, "--method", kMethods, method, error))
+        return false;
+    settings.method = static_cast<FitMethod>(method);
     const int neckingRow = settings.neckingIndex.value_or(maximumStressIndex(record.curves[EngineeringCurve]));
     rows = chosenRows(record, start, startRule, neckingRow, settings.neckingIndex ? "--necking" : "maximum stress");
     return true;
@@ -311,6 +321,9 @@ int runFitCold(const ParsedArguments& args)
             single = describeFittedLaw(*stored, fit.law);
             shown = {&*single};
             text = fit.text + "\n";
+            // The described text alone unless another method was asked for.
+            if (request.settings.method != FitMethod::Descent)
+                text += fitEndText(*fit.law, fit.end) + "\n";
             json = lawJson(*single);
             json["text"] = fit.text;
         } else {

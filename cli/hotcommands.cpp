@@ -95,6 +95,37 @@ bool parseCsvOptions(const ParsedArguments& args, HotCsvOptions& options, std::s
     return true;
 }
 
+// "--method" and "--objective": the Hensel-Spittel fit's method and what least squares minimises.
+bool parseMethod(const ParsedArguments& args, HotFitOptions& options, std::string& error)
+{
+    if (const std::string* method = args.option("--method")) {
+        if (*method == "descent")
+            options.method = FitMethod::Descent;
+        else if (*method == "least-squares")
+            options.method = FitMethod::LeastSquares;
+        else if (*method == "descent+least-squares")
+            options.method = FitMethod::DescentThenLeastSquares;
+        else {
+            error = "option '--method': '" + *method + "' is not one of descent least-squares descent+least-squares";
+            return false;
+        }
+    }
+    if (const std::string* objective = args.option("--objective")) {
+        if (*objective == "relative")
+            options.objective = HotObjective::Relative;
+        else if (*objective != "absolute") {
+            error = "option '--objective': '" + *objective + "' is neither absolute nor relative";
+            return false;
+        }
+        if (options.objective == HotObjective::Relative && options.method == FitMethod::Descent) {
+            error = "option '--objective': the descent fits the stress error; relative needs --method least-squares "
+                    "or descent+least-squares";
+            return false;
+        }
+    }
+    return true;
+}
+
 void warnAbout(const HotFitResult& result, const std::string& path)
 {
     for (const std::string& note : result.notes)
@@ -201,10 +232,14 @@ int runFitHot(const ParsedArguments& args)
     GroupItems strainItems;
     long long iterations = kDefaultHotIterations;
     if (!parseType(*args.option("--type"), modelId, error) || !parseCsvOptions(args, csvOptions, error)
+        || !parseMethod(args, fitOptions, error)
         || (args.option("--max-iter") && !integerOption(args, "--max-iter", 1, 100'000'000, iterations, error))
         || (args.option("--strains") && !parseStrains(*args.option("--strains"), strainItems, error)))
         return fail(error);
     fitOptions.maxIterations = static_cast<int>(iterations);
+    if (fitOptions.method != FitMethod::Descent && modelId != HotModelId::Type17)
+        return fail(formatText("option '--method': type %d has no descent to choose against; the choice is for type 17",
+                               static_cast<int>(modelId)));
     static constexpr std::array<std::string_view, 4> kOutputs = {kOutput, kExport, "--curve-out", "--png"};
     if (!distinctOutputs(args, kOutputs, error))
         return fail(error);
@@ -418,7 +453,8 @@ std::span<const Command> hotCommands()
             "Usage: zelko-mat-cli fit-hot MATERIAL.zmat --curves FILE.csv\n"
             "                             --type 16|17|161|163..169|1600|50 [--strains LIST]\n"
             "                             [--strain-measure true|engineering] [--strain-offset X]\n"
-            "                             [--max-iter N] -o OUT.zmat [--export LIB.z3dlib]\n"
+            "                             [--max-iter N] [--method descent|least-squares|descent+least-squares]\n"
+            "                             [--objective absolute|relative] -o OUT.zmat [--export LIB.z3dlib]\n"
             "                             [--cell-errors] [--curve-out FILE.csv] [--png FILE.png]\n"
             "                             [--json]\n"
             "\n"
@@ -428,7 +464,12 @@ std::span<const Command> hotCommands()
             "by default up to 15 evenly spaced strains that every curve reaches. Points whose\n"
             "strain is below the offset are dropped and the offset is subtracted from the\n"
             "others; engineering points are converted as the data screen converts them.\n"
-            "--max-iter bounds the Hensel-Spittel descent (default 10000). The data set\n"
+            "--max-iter bounds the Hensel-Spittel descent (default 10000). --method fits\n"
+            "Hensel-Spittel (17) by the descent (default), by bounded least squares within the\n"
+            "descent's guards from the log-linear start, or by least squares after the descent;\n"
+            "least squares minimises the stress error (--objective absolute, default) or the\n"
+            "error of ln stress (relative, the fit for AARE), and its report ends with how it\n"
+            "stopped and which parameters ended at a guard's limit. The data set\n"
             "replaces the material's flow-stress model; --export also writes the library\n"
             "entry with the fitted law (Zener-Hollomon, 50, has no library block).\n"
             "\n"
@@ -440,7 +481,7 @@ std::span<const Command> hotCommands()
             "parameters by name or the Zener-Hollomon constants per strain, the errors per\n"
             "cell, file paths) instead of the text.\n",
             {{kOutput, "--curves", "--type", "--strains", "--strain-measure", "--strain-offset", "--max-iter",
-                 kExport, "--curve-out", "--png"},
+                 "--method", "--objective", kExport, "--curve-out", "--png"},
                 {kOutput, "--curves", "--type"}, {"MATERIAL.zmat"}, 1, {"--json", "--cell-errors"}},
             runFitHot},
         {"processing-map", "write the processing map's data and gnuplot script, optionally its picture",

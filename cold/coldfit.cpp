@@ -42,6 +42,24 @@ private:
     int reported_ = -1;
 };
 
+// Least squares from the descent's end and the method's own starts; the result
+// replaces the descent's only when it lowers the error. The descent's progress
+// has reached 100 already, so only a stop is heard.
+bool polish(ColdLaw& law, const RunControl& control)
+{
+    RunControl quiet;
+    quiet.stop = control.stop;
+    LawLeastSquares fit = fitLawLeastSquares(law, {law.parameters}, quiet);
+    if (fit.cancelled)
+        return false;
+    if (!fit.parameters.empty() && fit.error < law.fitError) {
+        law.parameters = std::move(fit.parameters);
+        law.fitError = fit.error;
+        law.fitEnd = fit.end;
+    }
+    return true;
+}
+
 ColdFitResult cancelled()
 {
     ColdFitResult result;
@@ -75,7 +93,23 @@ bool writeSwiftComparisonTable(const ColdLaw& swift, const std::filesystem::path
     return saveFileAtomically(exchangeFolder / "ZELKO_MAT_PL1.dat", out.bytes(), error);
 }
 
-ColdFitResult fitColdLaw(const RoomOri& record, ColdLawId id, const RunControl& control)
+std::string fitEndText(const ColdLaw& law, const FitEnd& end)
+{
+    std::string text = std::string("Stop: ") + fitStopText(end.stop);
+    if (end.bounds.any()) {
+        text += "; at a bound:";
+        const std::vector<const char*> names = law.variableNames();
+        const char* separator = " ";
+        for (std::size_t i = 0; i < names.size(); ++i)
+            if (end.bounds.at(i)) {
+                text += formatText("%s%s (%s)", separator, names[i], (end.bounds.lower >> i) & 1u ? "lower" : "upper");
+                separator = ", ";
+            }
+    }
+    return text;
+}
+
+ColdFitResult fitColdLaw(const RoomOri& record, ColdLawId id, const RunControl& control, FitMethod method)
 {
     ColdFitResult result;
     std::shared_ptr<ColdLaw> law = makeColdLaw(id, record);
@@ -107,24 +141,40 @@ ColdFitResult fitColdLaw(const RoomOri& record, ColdLawId id, const RunControl& 
     law->parameters.assign(law->parameterCount(), 0.0);
     if (!law->automaticStart)
         law->takeInitialValues();
-    const bool first = !law->weighted || law->automaticStart;
-    const bool second = law->weighted;
-    StagedProgress progress(control);
+    // Least squares minimises the plain error, so it would undo a constrained or weighted fit.
+    const bool plain = !law->neckingConstraint && !law->weighted;
     bool finished = true;
-    if (first) {
-        const RunControl stage = progress.stage(0, second ? 50 : 100);
-        finished = law->neckingConstraint ? law->fitNeckingConstrained(stage) : law->fitPlain(stage);
+    bool descended = true;
+    if (plain && method == FitMethod::LeastSquares) {
+        LawLeastSquares fit = fitLawLeastSquares(*law, {}, control);
+        if (fit.cancelled)
+            return cancelled();
+        descended = fit.parameters.empty();  // no start could be fitted: the descent instead
+        if (!descended) {
+            law->parameters = std::move(fit.parameters);
+            law->fitError = fit.error;
+            law->fitEnd = fit.end;
+        }
     }
-    if (finished && second)
-        finished = law->fitWeighted(progress.stage(first ? 50 : 0, 100));
-    // The polish minimises the plain error, so it would undo a constrained or weighted fit.
-    if (finished && law->polishWithLeastSquares && !law->neckingConstraint && !law->weighted)
-        finished = polishWithLevenbergMarquardt(*law, control);
-    if (!finished)
-        return cancelled();
-    progress.report(100);
+    if (descended) {
+        const bool first = !law->weighted || law->automaticStart;
+        const bool second = law->weighted;
+        StagedProgress progress(control);
+        if (first) {
+            const RunControl stage = progress.stage(0, second ? 50 : 100);
+            finished = law->neckingConstraint ? law->fitNeckingConstrained(stage) : law->fitPlain(stage);
+        }
+        if (finished && second)
+            finished = law->fitWeighted(progress.stage(first ? 50 : 0, 100));
+        if (finished && plain && method == FitMethod::DescentThenLeastSquares)
+            finished = polish(*law, control);
+        if (!finished)
+            return cancelled();
+        progress.report(100);
+    }
 
     result.text = law->resultText();
+    result.end = law->fitEnd;
     result.law = law;
     return result;
 }

@@ -19,12 +19,20 @@ struct ColdFitResult {
     std::string text;                // the result text, as the screen shows it
     std::string message;             // why nothing ran
     bool cancelled = false;          // a stop request ended the fit; nothing to apply
+    FitEnd end;                      // how the fit that left the law's parameters ended
 };
 
 // Fits the law to the record: rebuilds the true curve from the engineering one
 // unless the curve was entered as true, then fits from the law's start. Progress
-// runs from 0 to 100 through the descents; a stop request ends the fit early.
-ColdFitResult fitColdLaw(const RoomOri& record, ColdLawId law, const RunControl& control);
+// runs from 0 to 100 through the descents (or the least-squares starts); a stop
+// request ends the fit early. Least squares fits the plain error: with the
+// necking constraint or weights the descent runs alone, whatever the method.
+ColdFitResult fitColdLaw(const RoomOri& record, ColdLawId law, const RunControl& control,
+                         FitMethod method = FitMethod::Descent);
+
+// How the fit ended, a line for the result: the stop and the parameters at a bound
+// ("Stop: converged at a bound; at a bound: n (upper)").
+std::string fitEndText(const ColdLaw& law, const FitEnd& end);
 
 // What a fit leaves in the record: the rebuilt true curve and a copy of the law
 // as its held model. A cancelled result leaves the record as it was.

@@ -14,6 +14,10 @@ constexpr double kGridStep = 0.0001;
 constexpr int kGridSteps = 10000;
 // A tenth of the grid costs well under a millisecond.
 constexpr int kGridStepsBetweenStopChecks = 1000;
+// A parameter this close to a limit (relative to the limit, or absolute near 0)
+// is at it: the strict limits (s0 > 0, n < 1) are only approached.
+constexpr double kAtBound = 1e-9;
+
 
 }  // namespace
 
@@ -81,6 +85,33 @@ std::vector<double> ColdLaw::startParameters() const
         if (isFixed(i) || !automaticStart)
             start[i] = table[i].initial;
     return start;
+}
+
+unsigned ColdLaw::heldParameters() const
+{
+    std::vector<double> g(parameterCount(), 1.0);
+    maskGradient(g.data());
+    unsigned held = 0;
+    for (std::size_t i = 0; i < g.size() && i < 32; ++i)
+        if (g[i] == 0.0)
+            held |= 1u << i;
+    return held;
+}
+
+bool ColdLaw::logLogStart(const FitPoints&, double*) const { return false; }
+
+BoundFlags ColdLaw::boundsReached(const std::vector<double>& p) const
+{
+    BoundFlags flags;
+    const std::vector<ParameterBound> table = bounds();
+    for (std::size_t i = 0; i < p.size() && i < table.size() && i < 32; ++i) {
+        const auto near = [&](double limit) { return std::fabs(p[i] - limit) <= kAtBound * std::max(1.0, std::fabs(limit)); };
+        if (near(table[i].minimum))
+            flags.lower |= 1u << i;
+        else if (near(table[i].maximum))
+            flags.upper |= 1u << i;
+    }
+    return flags;
 }
 
 void ColdLaw::maskGradient(double* g) const
@@ -282,6 +313,16 @@ private:
     double neckStrain_ = 0.0, neckStress_ = 0.0;
 };
 
+double ColdLaw::fitObjective(const std::vector<double>& p, Residuals mode, bool neckingPenalty) const
+{
+    if (p.size() != parameterCount())
+        return 0.0;
+    const FitPoints points = fittedPoints();
+    const RunControl none;
+    Descent problem(*this, points, mode, neckingPenalty, none);
+    return problem.objective(p);
+}
+
 bool ColdLaw::descend(const FitPoints& points, Residuals mode, bool neckingPenalty, const RunControl& control)
 {
     const std::vector<ParameterBound> table = bounds();
@@ -294,6 +335,9 @@ bool ColdLaw::descend(const FitPoints& points, Residuals mode, bool neckingPenal
     settings.target = targetError;
     const DescentOutcome outcome = steepestDescent<GrowingStepRules>(problem, parameters, settings, control);
     fitError = outcome.objective;
+    fitEnd = {fitStopOf(outcome.stop), boundsReached(parameters), outcome.iterations};
+    if (fitEnd.stop == FitStop::Converged && fitEnd.bounds.any())
+        fitEnd.stop = FitStop::AtBound;
     return outcome.stop != DescentStop::Cancelled;
 }
 

@@ -11,6 +11,7 @@
 #include "base/runcontrol.h"
 #include "cold/lawkernels.h"
 #include "models/roomori.h"
+#include "numerics/fitmethod.h"
 
 namespace zelko {
 
@@ -39,8 +40,24 @@ enum class ErrorRule {
     PerPoint,      // sqrt(sum w r^2 / n)
 };
 
-// How the residuals enter a descent.
+// How the residuals enter a fit.
 enum class Residuals { Plain, Weighted };
+
+// A parameter that enters the law nonlinearly, and the range where a search for
+// a least-squares start looks for it (on a logarithmic scale when asked).
+struct SearchAxis {
+    std::size_t parameter = 0;
+    double lo = 0.0;
+    double hi = 0.0;
+    bool logarithmic = false;
+};
+
+// How the last fit of a law ended.
+struct FitEnd {
+    FitStop stop = FitStop::Converged;
+    BoundFlags bounds;  // parameters at a bound of the bound table
+    int iterations = 0;
+};
 
 class ColdLaw : public RoomOri {
 public:
@@ -62,12 +79,21 @@ public:
     virtual double slopeAt(double strain, const double* p) const = 0;
     // d(sigma)/d(p_k) at one strain.
     virtual void partialsAt(double strain, const double* p, double* d) const = 0;
+    // The same at n strains, parameter k of strain i at d[i * parameterCount() + k].
+    virtual void partialsOver(const double* strain, std::size_t n, const double* p, double* d) const = 0;
     virtual bool admissible(const double* p) const = 0;
     // Where a fit starts: the law's own estimate (automatic start) or the bound
     // table's initial values; fixed parameters at their initial values.
     std::vector<double> startParameters() const;
     ErrorRule errorRuleOfLaw() const { return errorRule(); }
     bool isFixed(std::size_t i) const { return i < 32 && (fixedParameters >> i) & 1u; }
+    // Bit i: parameter i does not move in a fit (fixed, or held by a fixed one).
+    unsigned heldParameters() const;
+    // The nonlinear parameters; the others enter the law linearly.
+    virtual std::vector<SearchAxis> searchAxes(const FitPoints& points) const = 0;
+    // A start from the straight line through ln(stress) against ln(strain), for
+    // the power laws; false for a law without one or when the line can't be drawn.
+    virtual bool logLogStart(const FitPoints& points, double* p) const;
     // The result text with the slope at the necking strain.
     virtual std::string resultText() const = 0;
 
@@ -78,6 +104,9 @@ public:
     bool fitWeighted(const RunControl& control = {});
     // The error of p over the first n fitted points (all when n exceeds them).
     double objective(const std::vector<double>& p, std::size_t n) const;
+    // What a fit of that mode minimises: the error, with the necking mismatch
+    // when penalised (sqrt((N E^2 + P^2) / (N + 1))).
+    double fitObjective(const std::vector<double>& p, Residuals mode, bool neckingPenalty) const;
     // Gradient of the plain sum of squared residuals over the fitted points.
     std::vector<double> sumOfSquaresGradient(const std::vector<double>& p) const;
 
@@ -89,11 +118,14 @@ public:
     double neckingSlope() const;
     // The bound table of the record when it has one row per parameter, else the law's own.
     std::vector<ParameterBound> bounds() const;
+    // The parameters of p at (within rounding of) a limit of the bound table.
+    BoundFlags boundsReached(const std::vector<double>& p) const;
     // Takes the initial values of the bound table (the fit's start without automatic start).
     void takeInitialValues();
 
     std::vector<double> parameters;
     double fitError = 0.0;
+    FitEnd fitEnd;  // not stored: how the fit that left the parameters ended
 
 protected:
     virtual ErrorRule errorRule() const { return ErrorRule::WeightedMean; }
@@ -127,6 +159,11 @@ public:
     double stressAt(double strain, const double* p) const override { return Formula::value(strain, p); }
     double slopeAt(double strain, const double* p) const override { return Formula::slope(strain, p); }
     void partialsAt(double strain, const double* p, double* d) const override { Formula::partials(strain, p, d); }
+    void partialsOver(const double* strain, std::size_t n, const double* p, double* d) const override
+    {
+        for (std::size_t i = 0; i < n; ++i)
+            Formula::partials(strain[i], p, d + i * Formula::kCount);
+    }
     bool admissible(const double* p) const override { return Formula::admissible(p); }
 
 protected:

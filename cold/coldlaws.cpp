@@ -24,6 +24,12 @@ double lastStrain(const FitPoints& points)
     return e > 0.0 && std::isfinite(e) ? e : 1.0;
 }
 
+// Rates of a saturating rise, from a tenth of the strain range to far beyond it.
+SearchAxis rateAxis(std::size_t parameter, const FitPoints& points)
+{
+    return {parameter, 0.1 / lastStrain(points), 3000.0 / lastStrain(points), true};
+}
+
 // A saturating rise that is 95 % complete at the last strain.
 double saturationRate(const FitPoints& points) { return 3.0 / lastStrain(points); }
 
@@ -83,6 +89,20 @@ void PLASTIC_1::maskGradient(double* g) const
     }
 }
 
+std::vector<SearchAxis> PLASTIC_1::searchAxes(const FitPoints&) const { return {{1, 1e-6, 1.0, true}, {2, 0.005, 0.95, false}}; }
+
+bool PLASTIC_1::logLogStart(const FitPoints& points, double* q) const
+{
+    // Far beyond s0 the law is Y0 s0^-n eps^n; s0 then puts the curve through its first stress.
+    const std::optional<PowerLawFit> fit = powerLawOf(points, 0.0);
+    if (!fit || !(fit->n > 0.0 && fit->n < 1.0) || !(points.stress.front() > 0.0))
+        return false;
+    q[0] = points.stress.front();
+    q[1] = std::exp((std::log(q[0]) - fit->lnK) / fit->n);
+    q[2] = fit->n;
+    return std::isfinite(q[1]) && q[1] > 0.0;
+}
+
 std::string PLASTIC_1::resultText() const
 {
     return formatText("Y0 = %16.4E \ns0 = %16.4E \nn = %16.4E\nError = %16.4E MPa\nSlope at necking point = %16.4E",
@@ -133,6 +153,19 @@ bool PLASTIC_3::fitNeckingConstrained(const RunControl&)
         parameters[0] = neck.y / std::pow(neck.x, neck.x);
     }
     fitError = objective(parameters, fittedPoints().size());
+    fitEnd = {FitStop::Converged, boundsReached(parameters), 0};
+    return true;
+}
+
+std::vector<SearchAxis> PLASTIC_3::searchAxes(const FitPoints&) const { return {{1, 0.005, 0.95, false}}; }
+
+bool PLASTIC_3::logLogStart(const FitPoints& points, double* q) const
+{
+    const std::optional<PowerLawFit> fit = powerLawOf(points, 0.0);
+    if (!fit || !(fit->n > 0.0 && fit->n < 1.0))
+        return false;
+    q[0] = std::exp(fit->lnK);
+    q[1] = fit->n;
     return true;
 }
 
@@ -168,6 +201,20 @@ void PLASTIC_4::estimateStart(const FitPoints& points, double* q) const
     }
 }
 
+std::vector<SearchAxis> PLASTIC_4::searchAxes(const FitPoints&) const { return {{2, 0.01, 5.0, true}}; }
+
+bool PLASTIC_4::logLogStart(const FitPoints& points, double* q) const
+{
+    // The yield stress a little below the first point, so that every point has a hardening term.
+    q[0] = points.stress.front() - 0.01 * std::fabs(points.stress.front());
+    const std::optional<PowerLawFit> fit = powerLawOf(points, q[0]);
+    if (!fit || !(fit->n > 0.0))
+        return false;
+    q[1] = std::exp(fit->lnK);
+    q[2] = fit->n;
+    return std::isfinite(q[1]);
+}
+
 std::string PLASTIC_4::resultText() const
 {
     // The screen has always shown 0 for the Ludwik slope.
@@ -201,6 +248,13 @@ void PLASTIC_Kim_Tuan::estimateStart(const FitPoints& points, double* q) const
     q[2] = shape > 0.0 ? rise(points) / shape : rise(points);
 }
 
+std::vector<SearchAxis> PLASTIC_Kim_Tuan::searchAxes(const FitPoints& points) const
+{
+    // m falls below 0 and C towards 0 where the saturation turns into a straight rise.
+    const double last = lastStrain(points);
+    return {{1, 1e-6, 1.0, true}, {3, -1.5, 1.5, false}, {4, 1e-3 / last, 3000.0 / last, true}};
+}
+
 std::string PLASTIC_Kim_Tuan::resultText() const
 {
     return formatText(
@@ -228,6 +282,11 @@ void PLASTIC_Hockett_Sherby::estimateStart(const FitPoints& points, double* q) c
     q[2] = std::log(2.0) / std::pow(lastStrain(points), q[3]);
 }
 
+std::vector<SearchAxis> PLASTIC_Hockett_Sherby::searchAxes(const FitPoints&) const
+{
+    return {{2, 0.01, 1e4, true}, {3, 0.1, 3.0, true}};
+}
+
 std::string PLASTIC_Hockett_Sherby::resultText() const
 {
     return formatText(
@@ -246,6 +305,12 @@ std::vector<ParameterBound> PLASTIC_Voce_General::defaultBounds() const
 
 void PLASTIC_Voce_General::estimateStart(const FitPoints& points, double* q) const { saturatingStart(points, q); }
 
+std::vector<SearchAxis> PLASTIC_Voce_General::searchAxes(const FitPoints& points) const
+{
+    // (1 + V3 eps) from a slight fall to a thirtyfold rise over the curve.
+    return {rateAxis(2, points), {3, -0.9 / lastStrain(points), 30.0 / lastStrain(points), false}};
+}
+
 std::string PLASTIC_Voce_General::resultText() const
 {
     return formatText(
@@ -263,6 +328,8 @@ std::vector<ParameterBound> PLASTIC_ElMagd::defaultBounds() const
 }
 
 void PLASTIC_ElMagd::estimateStart(const FitPoints& points, double* q) const { saturatingStart(points, q); }
+
+std::vector<SearchAxis> PLASTIC_ElMagd::searchAxes(const FitPoints& points) const { return {rateAxis(2, points)}; }
 
 std::string PLASTIC_ElMagd::resultText() const
 {
@@ -285,6 +352,11 @@ void PLASTIC_Voyiadjis_Abed::estimateStart(const FitPoints& points, double* q) c
     q[0] = points.stress.front();
     q[2] = saturationRate(points);
     q[1] = rise(points) / std::sqrt(1.0 - std::exp(-3.0));
+}
+
+std::vector<SearchAxis> PLASTIC_Voyiadjis_Abed::searchAxes(const FitPoints& points) const
+{
+    return {rateAxis(2, points)};
 }
 
 std::string PLASTIC_Voyiadjis_Abed::resultText() const

@@ -18,6 +18,8 @@ public:
     std::vector<const char*> variableNames() const override { return {"Y0", "s0", "n"}; }
     std::vector<ParameterBound> defaultBounds() const override;
     std::string resultText() const override;
+    std::vector<SearchAxis> searchAxes(const FitPoints& points) const override;
+    bool logLogStart(const FitPoints& points, double* p) const override;
     bool writeLibraryBlock(TextWriter& out, int version) const override;
 
 protected:
@@ -34,6 +36,8 @@ public:
     std::vector<const char*> variableNames() const override { return {"K", "n"}; }
     std::vector<ParameterBound> defaultBounds() const override;
     std::string resultText() const override;
+    std::vector<SearchAxis> searchAxes(const FitPoints& points) const override;
+    bool logLogStart(const FitPoints& points, double* p) const override;
     bool writeLibraryBlock(TextWriter& out, int version) const override;
     // Closed form from the necking condition at the record's necking index.
     bool fitNeckingConstrained(const RunControl& control = {}) override;
@@ -53,6 +57,8 @@ public:
     std::vector<const char*> variableNames() const override { return {"Y0", "K", "n"}; }
     std::vector<ParameterBound> defaultBounds() const override;
     std::string resultText() const override;
+    std::vector<SearchAxis> searchAxes(const FitPoints& points) const override;
+    bool logLogStart(const FitPoints& points, double* p) const override;
     bool writeLibraryBlock(TextWriter& out, int version) const override;
 
 protected:
@@ -68,6 +74,7 @@ public:
     std::vector<const char*> variableNames() const override { return {"Y0", "s0", "T", "m", "C"}; }
     std::vector<ParameterBound> defaultBounds() const override;
     std::string resultText() const override;
+    std::vector<SearchAxis> searchAxes(const FitPoints& points) const override;
 
 protected:
     void estimateStart(const FitPoints& points, double* p) const override;
@@ -82,6 +89,7 @@ public:
     std::vector<const char*> variableNames() const override { return {"Y0", "V1", "V2", "h1"}; }
     std::vector<ParameterBound> defaultBounds() const override;
     std::string resultText() const override;
+    std::vector<SearchAxis> searchAxes(const FitPoints& points) const override;
 
 protected:
     ErrorRule errorRule() const override { return ErrorRule::PerPoint; }
@@ -96,6 +104,7 @@ public:
     std::vector<const char*> variableNames() const override { return {"V0", "V1", "V2", "V3"}; }
     std::vector<ParameterBound> defaultBounds() const override;
     std::string resultText() const override;
+    std::vector<SearchAxis> searchAxes(const FitPoints& points) const override;
 
 protected:
     void estimateStart(const FitPoints& points, double* p) const override;
@@ -109,6 +118,7 @@ public:
     std::vector<const char*> variableNames() const override { return {"V0", "V1", "V2", "V3"}; }
     std::vector<ParameterBound> defaultBounds() const override;
     std::string resultText() const override;
+    std::vector<SearchAxis> searchAxes(const FitPoints& points) const override;
 
 protected:
     ErrorRule errorRule() const override { return ErrorRule::PerPoint; }
@@ -124,6 +134,7 @@ public:
     std::vector<const char*> variableNames() const override { return {"V0", "V1", "V2"}; }
     std::vector<ParameterBound> defaultBounds() const override;
     std::string resultText() const override;
+    std::vector<SearchAxis> searchAxes(const FitPoints& points) const override;
 
 protected:
     void estimateStart(const FitPoints& points, double* p) const override;

@@ -86,7 +86,7 @@ LawComparison describeFittedLaw(ColdLawId id, std::shared_ptr<const ColdLaw> law
     return row;
 }
 
-LawComparisonResult compareColdLaws(const RoomOri& record, const RunControl& control)
+LawComparisonResult compareColdLaws(const RoomOri& record, const RunControl& control, FitMethod method)
 {
     LawComparisonResult result;
     RunControl each;
@@ -98,8 +98,8 @@ LawComparisonResult compareColdLaws(const RoomOri& record, const RunControl& con
     std::vector<std::future<ColdFitResult>> fits(kColdLaws.size());
     const auto start = [&](std::size_t i) {
         if (i < fits.size())
-            fits[i] = std::async(std::launch::async, [&record, &each, id = kColdLaws[i]] {
-                return fitColdLaw(record, id, each);
+            fits[i] = std::async(std::launch::async, [&record, &each, method, id = kColdLaws[i]] {
+                return fitColdLaw(record, id, each, method);
             });
     };
     for (std::size_t i = 0; i < atOnce; ++i)

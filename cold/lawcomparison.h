@@ -51,7 +51,8 @@ LawComparison describeFittedLaw(ColdLawId id, std::shared_ptr<const ColdLaw> law
 // Fits every law of kColdLaws to the record with the record's own fit settings.
 // Progress runs from 0 to 100 over the laws; a stop request ends the comparison
 // (cancelled, no rows).
-LawComparisonResult compareColdLaws(const RoomOri& record, const RunControl& control = {});
+LawComparisonResult compareColdLaws(const RoomOri& record, const RunControl& control = {},
+                                    FitMethod method = FitMethod::Descent);
 
 // The best fitted row whose law has a library block; nothing when none has.
 const LawComparison* bestWithLibraryBlock(const std::vector<LawComparison>& rows);

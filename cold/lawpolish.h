@@ -1,6 +1,7 @@
 #pragma once
-// The bounded Levenberg-Marquardt least-squares fit (numerics) of a cold law,
-// used to polish the descent's result and to measure how far the descent stops short.
+// Bounded least squares of a cold law's plain error (numerics' bounded
+// Levenberg-Marquardt with the laws' own derivatives): the least-squares method
+// beside the descent, and the polish after it.
 
 #include <vector>
 
@@ -9,14 +10,24 @@
 
 namespace zelko {
 
-// Minimises the law's own error over its free parameters from start, within the
-// bound table and the law's admissible region. Returns the parameters reached
-// (where it stopped, when a stop request came).
-std::vector<double> levenbergMarquardt(const ColdLaw& law, std::vector<double> start, int maxEvaluations = 2000,
-                                       const RunControl& control = {});
+struct LawLeastSquares {
+    std::vector<double> parameters;  // empty when no start could be fitted
+    double error = 0.0;              // the law's plain error there
+    FitEnd end;
+    bool cancelled = false;  // a stop request ended it; nothing of use
+};
 
-// Runs levenbergMarquardt from the law's fitted parameters and keeps the result
-// only when it lowers the error; false (and the law unchanged) after a stop request.
-bool polishWithLevenbergMarquardt(ColdLaw& law, const RunControl& control = {});
+// Where the method starts, in this order and without repeats: the law's start,
+// the log-log line (power laws), and the best nodes of a search over the
+// nonlinear parameters with the linear ones solved at each node.
+std::vector<std::vector<double>> leastSquaresStarts(const ColdLaw& law);
+
+// The law fitted from one start within its bound table and admissible region.
+LawLeastSquares fitLawFromStart(const ColdLaw& law, const std::vector<double>& start, const RunControl& control = {});
+
+// The law fitted from each of its starts and of more (the descent's end, say),
+// keeping the lowest error. Progress runs from 0 to 100 over the starts.
+LawLeastSquares fitLawLeastSquares(const ColdLaw& law, const std::vector<std::vector<double>>& more = {},
+                                   const RunControl& control = {});
 
 }  // namespace zelko

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
+#include "hot/hotleastsquares.h"
 #include "numerics/descent.h"
 #include "hot/stresstable.h"
 #include "numerics/vectormath.h"
@@ -170,6 +172,37 @@ bool HenselSpittelObjective::m8InRange(double m8) const
     return true;
 }
 
+void HenselSpittelObjective::guardLimits(HenselSpittelParameters& lower, HenselSpittelParameters& upper) const
+{
+    constexpr double kFree = std::numeric_limits<double>::infinity();
+    lower.fill(-kFree);
+    upper.fill(kFree);
+    if (!switchedOff(switches_, M5)) {
+        // (1 + ε)^m5 within [0.9, 1.1]: the larger strain holds it tighter.
+        const double lnStrain = std::log1p(std::max({strainLo_, strainHi_, 0.0}));
+        if (lnStrain > 0.0) {
+            lower[M5] = std::log(0.9) / lnStrain;
+            upper[M5] = std::log(1.1) / lnStrain;
+        }
+    }
+    if (!switchedOff(switches_, M8)) {
+        double largest = 0.0;
+        for (const double rate : {rateLo_, rateHi_})
+            for (const double temperature : {temperatureLo_, temperatureHi_})
+                largest = std::max(largest, std::fabs(temperature * std::log(rate)));
+        if (largest > 0.0 && std::isfinite(largest)) {
+            lower[M8] = -std::log(10.0) / largest;
+            upper[M8] = std::log(10.0) / largest;
+        }
+    }
+    if (!switchedOff(switches_, M1)) {
+        if (startM1_ < 0.0)
+            upper[M1] = 0.8 * startM1_;
+        else if (startM1_ > 0.0)
+            lower[M1] = 0.8 * startM1_;
+    }
+}
+
 void HenselSpittelObjective::guard(HenselSpittelParameters& trial, const HenselSpittelParameters& previous) const
 {
     if (!switchedOff(switches_, M5) && !m5InRange(trial[M5]))
@@ -289,21 +322,48 @@ HotFit fitHenselSpittel(const HotDataSet& dataSet, const HotFitOptions& options,
     HenselSpittelParameters best = henselSpittelStart(dataSet, table, switches, objective);
     objective.setStartM1(best[M1]);
 
-    DescentSettings settings;
-    settings.maxIterations = options.maxIterations;
-    settings.initialStep = options.initialStep;
-    settings.fixedMask = switches | (1u << M6);
-    const DescentOutcome outcome
-        = steepestDescent<RestartingStepRules>(GuardedObjective{objective}, best, settings, control);
-    if (outcome.stop == DescentStop::Cancelled)
-        return cancelledFit();
+    const HenselSpittelParameters start = best;
+    DescentOutcome outcome;
+    if (options.method != FitMethod::LeastSquares) {
+        DescentSettings settings;
+        settings.maxIterations = options.maxIterations;
+        settings.initialStep = options.initialStep;
+        settings.fixedMask = switches | (1u << M6);
+        outcome = steepestDescent<RestartingStepRules>(GuardedObjective{objective}, best, settings, control);
+        if (outcome.stop == DescentStop::Cancelled)
+            return cancelledFit();
+    }
     model->parameters = best;
-
     result.fitted = true;
     result.iterations = outcome.iterations;
     result.evaluations = outcome.evaluations;
     result.stoppedEarly = outcome.stop != DescentStop::IterationLimit;
     result.stopReason = stopReasonOf(outcome.stop);
+    result.stop = fitStopOf(outcome.stop);
+    if (options.method != FitMethod::Descent) {
+        // The descent's progress has reached 100 already when it ran first.
+        RunControl quiet;
+        quiet.stop = control.stop;
+        std::vector<HenselSpittelParameters> starts = {start};
+        if (options.method == FitMethod::DescentThenLeastSquares)
+            starts.push_back(best);
+        const HenselSpittelLeastSquares fit = fitHenselSpittelLeastSquares(
+            objective, options.objective, switches, starts, options.method == FitMethod::LeastSquares ? control : quiet);
+        if (fit.cancelled)
+            return cancelledFit();
+        if (fit.usable) {
+            model->parameters = best = fit.parameters;
+            result.iterations = fit.iterations;
+            result.evaluations = fit.evaluations;
+            result.stop = fit.stop;
+            result.bounds = fit.bounds;
+            result.stoppedEarly = fit.stop == FitStop::IterationLimit || fit.stop == FitStop::StepFloor;
+            result.stopReason = fitStopText(fit.stop);
+        } else {
+            result.notes.push_back("least squares had nothing to fit: A is held at 0");
+        }
+        control.report(100);
+    }
     const FitError error = fitErrorOf(*model, table);
     describeTable(table, error, result);
     result.report = errorReport(error);
@@ -311,6 +371,14 @@ HotFit fitHenselSpittel(const HotDataSet& dataSet, const HotFitOptions& options,
     for (int i = A; i <= M9; ++i)
         if (i != M6)
             result.report += formatText(" %s = %g\n", names[i], best[i]);
+    if (options.method != FitMethod::Descent) {
+        // Only where another method was asked for: the described report stays as it is.
+        result.report += formatText(" stop: %s\n", fitStopText(result.stop));
+        for (int i = A; i <= M9; ++i)
+            if (result.bounds.at(static_cast<std::size_t>(i)))
+                result.report += formatText(" at a bound: %s (%s)\n", names[i],
+                                            (result.bounds.lower >> i) & 1u ? "lower" : "upper");
+    }
     return fit;
 }
 

@@ -52,6 +52,13 @@ public:
     bool m8InRange(double m8) const;
 
     std::size_t entryCount() const { return static_cast<std::size_t>(target_.size()); }
+    // Row e: what m1 .. m9 multiply in ln σ at entry e; its stress and weight.
+    const Eigen::Matrix<double, Eigen::Dynamic, 9>& factors() const { return factors_; }
+    const Eigen::ArrayXd& stresses() const { return target_; }
+    const Eigen::ArrayXd& weights() const { return weight_; }
+    // The guards as limits: m5 and m8 within the ranges above, |m1| at least 0.8 of
+    // its start on the start's side. Switched-off parameters are left unlimited.
+    void guardLimits(HenselSpittelParameters& lower, HenselSpittelParameters& upper) const;
 
 private:
     // Columns: what m1 .. m9 multiply in ln σ, one row an entry.

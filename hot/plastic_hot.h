@@ -9,6 +9,7 @@
 
 #include "base/runcontrol.h"
 #include "models/plastic.h"
+#include "numerics/fitmethod.h"
 
 namespace zelko {
 
@@ -28,11 +29,19 @@ inline constexpr int kDefaultHotIterations = 10000;
 // is longer); it is halved from there until the objective falls.
 inline constexpr double kDefaultHotInitialStep = 1.0;
 
+// What a least-squares fit minimises: the squared stress errors, or the squared
+// errors of ln σ (relative errors, what AARE judges).
+enum class HotObjective { Absolute, Relative };
+
 struct HotFitOptions {
     int maxIterations = kDefaultHotIterations;
     double initialStep = kDefaultHotInitialStep;
     std::vector<double> rateWeights;  // one per strain rate; missing ones weigh 1
     unsigned parameterSwitches = 0;   // bit i holds Hensel-Spittel parameter i at 0
+    // Hensel-Spittel: the descent (always of the stress error), or least squares
+    // within the descent's guards of the stress error or of the error of ln σ.
+    FitMethod method = FitMethod::Descent;
+    HotObjective objective = HotObjective::Absolute;
 };
 
 struct HotFitResult {
@@ -47,6 +56,8 @@ struct HotFitResult {
     long evaluations = 0;  // objective evaluations of a descent
     bool stoppedEarly = false;
     std::string stopReason;
+    FitStop stop = FitStop::Converged;
+    BoundFlags bounds;  // Hensel-Spittel parameters (by index, A first) at a guard's limit
     std::vector<std::string> notes;  // what was left out and why
 };
 

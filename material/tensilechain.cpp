@@ -84,7 +84,6 @@ void applySettings(const TensileFitSettings& settings, RoomOri& record)
     record.targetError = settings.targetError.value_or(record.targetError);
     record.neckingConstraint = settings.neckingConstraint;
     record.weighted = settings.weighted;
-    record.polishWithLeastSquares = settings.polish;
 }
 
 // Fits the law to record, a copy of the entered record that the fit may change.
@@ -93,7 +92,7 @@ TensileFit fitRecord(const Project& material, std::shared_ptr<RoomOri> record, C
 {
     applySettings(settings, *record);
     TensileFit fit;
-    ColdFitResult result = fitColdLaw(*record, law, control);
+    ColdFitResult result = fitColdLaw(*record, law, control, settings.method);
     if (!result.law) {
         fit.error = result.message;
         fit.cancelled = result.cancelled;
@@ -112,6 +111,7 @@ TensileFit fitRecord(const Project& material, std::shared_ptr<RoomOri> record, C
     // curve moves into the record, and the fit's own law becomes its held model.
     if (result.trueCurve)
         record->curves[TrueCurve] = std::move(*result.trueCurve);
+    fit.end = result.end;
     fit.law = result.law;
     record->heldModel = std::move(result.law);
     fit.text = std::move(result.text);
@@ -145,7 +145,7 @@ LawComparisonResult compareTensileLaws(const RoomOri& entered, const TensileFitS
     RoomOri record = static_cast<const RoomOri&>(entered);
     applySettings(settings, record);
     Curve().swap(record.curves[LoadDisplacement]);
-    return compareColdLaws(record, control);
+    return compareColdLaws(record, control, settings.method);
 }
 
 std::shared_ptr<RoomOri> tensileJobRecord(const Project& material, std::string& error)

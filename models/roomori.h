@@ -58,8 +58,6 @@ public:
     std::vector<ParameterBound> parameterBounds;
     std::uint32_t fixedParameters = 0;  // one bit per parameter
     bool automaticStart = true;
-    // Not stored in the file: a least-squares polish after the descent.
-    bool polishWithLeastSquares = false;
 };
 
 }  // namespace zelko

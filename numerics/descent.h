@@ -11,6 +11,7 @@
 #include <limits>
 
 #include "base/runcontrol.h"
+#include "numerics/fitmethod.h"
 
 namespace zelko {
 
@@ -23,6 +24,22 @@ enum class DescentStop {
     FlatGradient,        // no direction to move in
     Cancelled,           // a stop request
 };
+
+// The stop as every fit reports it: a target reached or a flat gradient is
+// convergence, a step or a value that gave out is the step floor.
+inline FitStop fitStopOf(DescentStop stop)
+{
+    switch (stop) {
+    case DescentStop::IterationLimit: return FitStop::IterationLimit;
+    case DescentStop::StepTooSmall:
+    case DescentStop::NonFiniteStart:
+    case DescentStop::NonFiniteParameter: return FitStop::StepFloor;
+    case DescentStop::Cancelled: return FitStop::Cancelled;
+    case DescentStop::TargetReached:
+    case DescentStop::FlatGradient: break;
+    }
+    return FitStop::Converged;
+}
 
 // What a problem says of a trial point before it is evaluated.
 enum class TrialCheck {

@@ -3,7 +3,6 @@
 #include <cmath>
 
 #include <Eigen/Dense>
-#include <unsupported/Eigen/NonLinearOptimization>
 
 namespace zelko {
 
@@ -96,72 +95,164 @@ std::optional<PowerLawFit> fitPowerLaw(std::span<const double> x, std::span<cons
 
 namespace {
 
-// Eigen's functor over a ResidualProblem, each trial clamped into the box first.
-class BoxedResiduals {
-public:
-    using Scalar = double;
-    using InputType = Eigen::VectorXd;
-    using ValueType = Eigen::VectorXd;
-    using JacobianType = Eigen::MatrixXd;
+// Up to this many parameters the step's system lives on the stack.
+constexpr Eigen::Index kMaxParameters = 16;
+using SmallMatrix = Eigen::Matrix<double, Eigen::Dynamic, Eigen::Dynamic, 0, kMaxParameters, kMaxParameters>;
+using SmallVector = Eigen::Matrix<double, Eigen::Dynamic, 1, 0, kMaxParameters, 1>;
 
-    BoxedResiduals(const ResidualProblem& problem, const Eigen::VectorXd& lower, const Eigen::VectorXd& upper)
-        : problem_(problem), lower_(lower), upper_(upper), inside_(lower.size())
-    {
-    }
+// Damping grows by doubling factors after refused steps; past this the step is
+// too short to change anything.
+constexpr double kLargestDamping = 1e16;
+// A step taken with damping above this was forced short by refusals, not by the optimum.
+constexpr double kShortByRefusal = 1e6;
+// Gain ratios: below the first a step is refused, above the second the model is trusted.
+constexpr double kAcceptedGain = 1e-4;
+constexpr double kTrustedGain = 0.25;
 
-    int inputs() const { return static_cast<int>(lower_.size()); }
-    int values() const { return problem_.values; }
-
-    const Eigen::VectorXd& inside(const Eigen::VectorXd& x) const
-    {
-        for (Eigen::Index k = 0; k < x.size(); ++k)
-            inside_[k] = std::clamp(x[k], lower_[k], upper_[k]);
-        return inside_;
-    }
-    int operator()(const Eigen::VectorXd& x, Eigen::VectorXd& residuals) const
-    {
-        problem_.residuals(inside(x), residuals);
-        return 0;
-    }
-    int df(const Eigen::VectorXd& x, Eigen::MatrixXd& jacobian) const
-    {
-        problem_.jacobian(inside(x), jacobian);
-        return 0;
-    }
-
-private:
-    const ResidualProblem& problem_;
-    const Eigen::VectorXd& lower_;
-    const Eigen::VectorXd& upper_;
-    mutable Eigen::VectorXd inside_;
-};
+bool evaluateAt(const ResidualProblem& problem, const Eigen::VectorXd& x, Eigen::VectorXd& r, Eigen::MatrixXd& j)
+{
+    return problem.evaluate(x, r, &j) && r.allFinite() && j.allFinite();
+}
 
 }  // namespace
 
 BoundedFit boundedLevenbergMarquardt(const ResidualProblem& problem, const Eigen::VectorXd& start,
-                                     const Eigen::VectorXd& lower, const Eigen::VectorXd& upper, int maxEvaluations,
-                                     const RunControl& control)
+                                     const Eigen::VectorXd& lower, const Eigen::VectorXd& upper,
+                                     const LeastSquaresSettings& settings, const RunControl& control,
+                                     LeastSquaresWork* work)
 {
-    BoundedFit fit{start, false};
-    if (start.size() == 0 || problem.values < start.size() || lower.size() != start.size()
-        || upper.size() != start.size())
+    BoundedFit fit;
+    fit.x = start;
+    const Eigen::Index p = start.size();
+    if (p == 0 || p > kMaxParameters || problem.values < p || lower.size() != p || upper.size() != p)
         return fit;
-    BoxedResiduals residuals(problem, lower, upper);
-    Eigen::LevenbergMarquardt<BoxedResiduals> solver(residuals);
-    solver.parameters.maxfev = maxEvaluations;
-    // Eigen's minimize(), one step at a time so that a stop request is heard.
-    auto status = solver.minimizeInit(fit.x);
-    if (status != Eigen::LevenbergMarquardtSpace::ImproperInputParameters) {
-        do {
-            if (control.stopRequested()) {
-                fit.cancelled = true;
-                break;
-            }
-            status = solver.minimizeOneStep(fit.x);
-        } while (status == Eigen::LevenbergMarquardtSpace::Running);
+    if (control.stopRequested()) {
+        fit.stop = FitStop::Cancelled;
+        return fit;
     }
-    fit.x = residuals.inside(fit.x);
-    return fit;
+    const Eigen::Index m = problem.values;
+    Eigen::VectorXd x = start.cwiseMax(lower).cwiseMin(upper);
+    LeastSquaresWork own;
+    LeastSquaresWork& buffers = work ? *work : own;
+    Eigen::VectorXd& r = buffers.residuals;
+    Eigen::VectorXd& trialR = buffers.trialResiduals;
+    Eigen::MatrixXd& j = buffers.jacobian;
+    Eigen::MatrixXd& trialJ = buffers.trialJacobian;
+    r.resize(m);
+    trialR.resize(m);
+    j.resize(m, p);
+    trialJ.resize(m, p);
+    Eigen::VectorXd trial(p);
+    ++fit.evaluations;
+    if (!evaluateAt(problem, x, r, j))
+        return fit;
+    fit.x = x;
+    fit.started = true;
+    double cost = r.squaredNorm();
+
+    SmallMatrix normal(p, p), reduced;
+    SmallVector gradient(p), scale = SmallVector::Zero(p), step(p);
+    std::array<Eigen::Index, kMaxParameters> freeIndex{};
+    double damping = 1e-3;
+    double growth = 2.0;
+    const auto finish = [&](FitStop stop) {
+        fit.stop = stop;
+        fit.x = x;
+        fit.sumOfSquares = cost;
+        for (Eigen::Index k = 0; k < p; ++k) {
+            if (x[k] <= lower[k])
+                fit.bounds.lower |= 1u << k;
+            if (x[k] >= upper[k])
+                fit.bounds.upper |= 1u << k;
+        }
+        if (stop == FitStop::Converged && fit.bounds.any())
+            fit.stop = FitStop::AtBound;
+        return fit;
+    };
+
+    for (;;) {
+        if (fit.iterations >= settings.maxIterations)
+            return finish(FitStop::IterationLimit);
+        if (control.stopRequested())
+            return finish(FitStop::Cancelled);
+        // Coefficient by coefficient: a few columns over many rows, where a blocked
+        // product would only allocate its workspace.
+        normal.noalias() = j.transpose().lazyProduct(j);
+        gradient.noalias() = j.transpose().lazyProduct(r);
+        // Held: at a bound with the gradient pointing out of the box.
+        Eigen::Index free = 0;
+        for (Eigen::Index k = 0; k < p; ++k) {
+            scale[k] = std::max(scale[k], std::sqrt(normal(k, k)));
+            const bool held = (x[k] <= lower[k] && gradient[k] > 0.0) || (x[k] >= upper[k] && gradient[k] < 0.0);
+            if (!held && scale[k] > 0.0 && gradient[k] != 0.0)
+                freeIndex[static_cast<std::size_t>(free++)] = k;
+        }
+        if (free == 0 || cost == 0.0)
+            return finish(FitStop::Converged);
+        // The system in variables scaled by the columns' norms, so that the
+        // damping treats a stress and an exponent alike.
+        reduced.resize(free, free);
+        SmallVector rhs(free);
+        for (Eigen::Index a = 0; a < free; ++a) {
+            const Eigen::Index ka = freeIndex[static_cast<std::size_t>(a)];
+            rhs[a] = -gradient[ka] / scale[ka];
+            for (Eigen::Index b = 0; b < free; ++b) {
+                const Eigen::Index kb = freeIndex[static_cast<std::size_t>(b)];
+                reduced(a, b) = normal(ka, kb) / (scale[ka] * scale[kb]);
+            }
+        }
+        for (;;) {
+            if (control.stopRequested())
+                return finish(FitStop::Cancelled);
+            SmallMatrix damped = reduced;
+            damped.diagonal().array() += damping;
+            const Eigen::LLT<SmallMatrix> llt(damped);
+            step.setZero();
+            if (llt.info() == Eigen::Success) {
+                const SmallVector z = llt.solve(rhs);
+                for (Eigen::Index a = 0; a < free; ++a) {
+                    const Eigen::Index ka = freeIndex[static_cast<std::size_t>(a)];
+                    step[ka] = z[a] / scale[ka];
+                }
+            }
+            trial = (x + step).cwiseMax(lower).cwiseMin(upper);
+            step = trial - x;
+            if (llt.info() == Eigen::Success
+                && step.norm() <= settings.relativeStep * (x.norm() + settings.relativeStep))
+                return finish(damping <= kShortByRefusal ? FitStop::Converged : FitStop::StepFloor);
+            const double predicted = -(gradient.dot(step) + 0.5 * step.dot(normal * step));
+            bool taken = false;
+            double gain = 0.0, trialCost = cost;
+            if (llt.info() == Eigen::Success && predicted > 0.0) {
+                ++fit.evaluations;
+                if (evaluateAt(problem, trial, trialR, trialJ)) {
+                    trialCost = trialR.squaredNorm();
+                    gain = (cost - trialCost) / predicted;
+                    taken = trialCost < cost && gain > kAcceptedGain;
+                }
+            }
+            if (!taken) {
+                damping *= growth;
+                growth *= 2.0;
+                if (damping > kLargestDamping)
+                    return finish(FitStop::StepFloor);
+                continue;
+            }
+            const double reduction = cost - trialCost;
+            const bool settled = (gain > kTrustedGain && reduction <= settings.relativeReduction * cost)
+                                 || step.norm() <= settings.relativeStep * (x.norm() + settings.relativeStep);
+            x = trial;
+            r.swap(trialR);
+            j.swap(trialJ);
+            cost = trialCost;
+            ++fit.iterations;
+            damping *= std::max(1.0 / 3.0, 1.0 - std::pow(2.0 * gain - 1.0, 3));
+            growth = 2.0;
+            if (settled)
+                return finish(FitStop::Converged);
+            break;
+        }
+    }
 }
 
 }  // namespace zelko

@@ -13,6 +13,7 @@
 #include <Eigen/Core>
 
 #include "base/runcontrol.h"
+#include "numerics/fitmethod.h"
 
 namespace zelko {
 
@@ -39,25 +40,50 @@ struct PowerLawFit {
 std::optional<PowerLawFit> fitPowerLaw(std::span<const double> x, std::span<const double> y, double offset = 0.0);
 
 // A least-squares problem for boundedLevenbergMarquardt: values residuals r(x)
-// and their Jacobian (values x parameters), asked only at points inside the bounds.
+// and, when asked, their Jacobian (values x parameters), asked only at points
+// inside the bounds. evaluate returns false where x is outside the function's
+// domain (the step that led there is refused).
 struct ResidualProblem {
     int values = 0;
-    std::function<void(const Eigen::VectorXd& x, Eigen::VectorXd& residuals)> residuals;
-    std::function<void(const Eigen::VectorXd& x, Eigen::MatrixXd& jacobian)> jacobian;
+    std::function<bool(const Eigen::VectorXd& x, Eigen::VectorXd& residuals, Eigen::MatrixXd* jacobian)> evaluate;
+};
+
+struct LeastSquaresSettings {
+    int maxIterations = 2000;
+    // Converged when an accepted step lowers the sum of squares by less than this
+    // fraction of it, or moves every parameter by less than this fraction of itself.
+    double relativeReduction = 1e-10;
+    double relativeStep = 1e-10;
 };
 
 struct BoundedFit {
-    Eigen::VectorXd x;       // within the bounds
-    bool cancelled = false;  // a stop request ended the search early
+    Eigen::VectorXd x;  // within the bounds
+    double sumOfSquares = 0.0;
+    FitStop stop = FitStop::Converged;
+    int iterations = 0;    // accepted steps
+    long evaluations = 0;  // residual evaluations, the start's included
+    BoundFlags bounds;     // the parameters held at a bound at the end
+    bool started = false;  // the start lay in the function's domain
+    bool usable() const { return started && stop != FitStop::Cancelled; }
 };
 
-// Minimises the sum of squared residuals by Eigen's Levenberg-Marquardt within
-// [lower, upper]: a trial outside is evaluated at its nearest point inside, so
-// the solver sees the function continued flat and settles on the bound. The start
-// comes back as it was when the problem has no parameter or fewer residuals.
+// The solver's residuals and Jacobians, kept by a caller that fits many times so
+// that long curves are not allocated again for every start.
+struct LeastSquaresWork {
+    Eigen::VectorXd residuals, trialResiduals;
+    Eigen::MatrixXd jacobian, trialJacobian;
+};
+
+// Minimises the sum of squared residuals within [lower, upper] by a projected
+// Levenberg-Marquardt: parameters at a bound that the gradient pushes outwards
+// are held there, the others take the damped Gauss-Newton step in scaled
+// variables, and the trial is projected into the box. The start (clamped into
+// the box) must lie in the function's domain; a start that doesn't, or a problem
+// with no parameter or fewer residuals, comes back unmoved with no evaluation.
 BoundedFit boundedLevenbergMarquardt(const ResidualProblem& problem, const Eigen::VectorXd& start,
-                                     const Eigen::VectorXd& lower, const Eigen::VectorXd& upper, int maxEvaluations,
-                                     const RunControl& control = {});
+                                     const Eigen::VectorXd& lower, const Eigen::VectorXd& upper,
+                                     const LeastSquaresSettings& settings = {}, const RunControl& control = {},
+                                     LeastSquaresWork* work = nullptr);
 
 // The x in [lo, hi] where f is least, by golden-section search from the best of
 // a coarse scan (the functions met here are not unimodal over the whole range).

@@ -24,7 +24,7 @@ enum Column { Variable, Initial, Minimum, Maximum, Fixed, ColumnCount };
 
 }  // namespace
 
-ColdFitOptions ColdFitOptions::of(const RoomOri& record, ColdLawId law)
+ColdFitOptions ColdFitOptions::of(const RoomOri& record, ColdLawId law, FitMethod method)
 {
     ColdFitOptions options;
     const std::shared_ptr<ColdLaw> model = makeColdLaw(law, record);
@@ -34,7 +34,7 @@ ColdFitOptions ColdFitOptions::of(const RoomOri& record, ColdLawId law)
     options.targetError = record.targetError;
     options.maxIterations = record.maxIterations;
     options.neckingPenaltyWeight = record.neckingPenaltyWeight;
-    options.polish = record.polishWithLeastSquares;
+    options.method = method;
     return options;
 }
 
@@ -46,7 +46,6 @@ void ColdFitOptions::applyTo(RoomOri& record) const
     record.targetError = targetError;
     record.maxIterations = maxIterations;
     record.neckingPenaltyWeight = neckingPenaltyWeight;
-    record.polishWithLeastSquares = polish;
 }
 
 CPlasticRoomAdvDlg::CPlasticRoomAdvDlg(ColdLawId law, ColdFitOptions options, QWidget* parent)
@@ -95,9 +94,11 @@ CPlasticRoomAdvDlg::CPlasticRoomAdvDlg(ColdLawId law, ColdFitOptions options, QW
     neckingWeight_->setObjectName(QStringLiteral("neckingPenaltyWeight"));
     method_ = new QComboBox(this);
     method_->setObjectName(QStringLiteral("method"));
+    // In the order of FitMethod.
     method_->addItem(QStringLiteral("Steepest descent"));
+    method_->addItem(QStringLiteral("Least squares"));
     method_->addItem(QStringLiteral("Steepest descent, then least squares"));
-    method_->setCurrentIndex(options_.polish ? 1 : 0);
+    method_->setCurrentIndex(static_cast<int>(options_.method));
 
     auto* settings = new QFormLayout;
     settings->addRow(automaticStart_);
@@ -156,7 +157,7 @@ void CPlasticRoomAdvDlg::accept()
     read.targetError = *target;
     read.maxIterations = static_cast<int>(*iterations);
     read.neckingPenaltyWeight = *weight;
-    read.polish = method_->currentIndex() == 1;
+    read.method = static_cast<FitMethod>(method_->currentIndex());
     options_ = std::move(read);
     QDialog::accept();
 }

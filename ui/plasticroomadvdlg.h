@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "cold/coldlaws.h"
+#include "numerics/fitmethod.h"
 #include "ui/managertranslate.h"
 
 class QCheckBox;
@@ -26,10 +27,10 @@ struct ColdFitOptions {
     double targetError = 1.0;
     int maxIterations = 10000;
     double neckingPenaltyWeight = 1.0;
-    bool polish = false;
+    zelko::FitMethod method = zelko::FitMethod::Descent;  // the screen's, not the record's
 
     // The record's settings, with the law's own bound table when the record has none for it.
-    static ColdFitOptions of(const zelko::RoomOri& record, zelko::ColdLawId law);
+    static ColdFitOptions of(const zelko::RoomOri& record, zelko::ColdLawId law, zelko::FitMethod method);
     void applyTo(zelko::RoomOri& record) const;
 };
 

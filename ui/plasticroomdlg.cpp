@@ -27,6 +27,7 @@
 #include "base/fileio.h"
 #include "base/gridtext.h"
 #include "base/textfile.h"
+#include "cold/coldfit.h"
 #include "cold/coldlaws.h"
 #include "cold/curvefile.h"
 #include "cold/tensilereduction.h"
@@ -572,7 +573,7 @@ void CPlasticRoomDlg::chooseLaw(int position)
     settings.endIndex = endIndex_;
     settings.weighted = weighted_->isChecked();
     settings.neckingConstraint = neckingConstraint_->isChecked();
-    settings.polish = entered_->polishWithLeastSquares;
+    settings.method = method_;
     showStatus(translateText(QStringLiteral("Fitting %1 ...")).arg(laws_->item(position)->text()), false);
     auto record = std::dynamic_pointer_cast<const RoomOri>(entered_->clone());
     run_->start([material = material_, record, law = *entry.law, settings, environment = environment_,
@@ -602,7 +603,11 @@ void CPlasticRoomDlg::finishFit(const TensileFit& fit)
     entered_.reset();
     showStatus(QString(), false);
     refreshCurve();
-    QMessageBox result(QMessageBox::Information, kCaption, fromUtf8(fit.text), QMessageBox::Ok, this);
+    // The described text; another method than the descent also says how it ended.
+    std::string text = fit.text;
+    if (method_ != FitMethod::Descent && fit.law)
+        text += "\n" + fitEndText(*fit.law, fit.end);
+    QMessageBox result(QMessageBox::Information, kCaption, fromUtf8(text), QMessageBox::Ok, this);
     result.setObjectName(QStringLiteral("fitResult"));
     // The result lines are aligned in columns.
     result.setStyleSheet(QStringLiteral("QLabel { font-family: monospace; }"));
@@ -656,9 +661,10 @@ void CPlasticRoomDlg::editOptions()
     const ColdLawId law = selectedLaw().value_or(ColdLawId::Swift);
     const auto* record = dynamic_cast<const RoomOri*>(material_.activeModel.get());
     const RoomOri fresh;
-    CPlasticRoomAdvDlg options(law, ColdFitOptions::of(record ? *record : fresh, law), this);
+    CPlasticRoomAdvDlg options(law, ColdFitOptions::of(record ? *record : fresh, law, method_), this);
     if (options.exec() != QDialog::Accepted)
         return;
+    method_ = options.options().method;
     auto edited = record ? std::dynamic_pointer_cast<RoomOri>(record->clone()) : std::make_shared<RoomOri>();
     options.options().applyTo(*edited);
     keepRecord(std::move(edited));

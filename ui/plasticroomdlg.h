@@ -107,6 +107,7 @@ private:
     int neckingIndex_ = -1;  // -1: the maximum engineering stress
     int endIndex_ = -1;      // -1: the last point
     zelko::TensileJobSettings jobSettings_;
+    zelko::FitMethod method_ = zelko::FitMethod::Descent;
     QString lastJob_;
     Shown shown_;
 

@@ -55,6 +55,33 @@ TEST(FitCold, FitsAMeasuredTestAndStoresTheRecordAndTheLaw)
     EXPECT_EQ(readBytes(scratch.file("exchange/ZELKO_MAT_PL1.dat")).substr(0, 4), std::string("\xFF\xFE \0", 4));
 }
 
+TEST(FitCold, MethodsOtherThanTheDescentSayHowTheFitStopped)
+{
+    ScratchFolder scratch;
+    const fs::path material = newMaterial(scratch);
+    const auto run = [&](std::vector<std::string> more) {
+        std::vector<std::string> args = fitArgs(material, scratch.file("o.zmat"), "kim-tuan");
+        args.insert(args.end(), more.begin(), more.end());
+        return runCli(args);
+    };
+    const auto errorOf = [](const std::string& out) {
+        return std::stod(out.substr(out.find("\nError = ") + 9));
+    };
+    const CliResult descent = run({});
+    const CliResult fitted = run({"--method", "least-squares"});
+    const CliResult polished = run({"--polish"});
+    for (const CliResult* result : {&descent, &fitted, &polished})
+        ASSERT_EQ(result->status, 0) << result->err;
+    EXPECT_EQ(descent.out.find("Stop: "), std::string::npos);  // the described text alone
+    EXPECT_NE(fitted.out.find("\nStop: converged\n"), std::string::npos);
+    EXPECT_NE(polished.out.find("\nStop: "), std::string::npos);
+    EXPECT_LT(errorOf(fitted.out), errorOf(descent.out) / 10.0);  // far below where the descent stops
+    EXPECT_EQ(run({"--method", "descent+least-squares"}).out, polished.out);
+
+    EXPECT_TRUE(isOneErrorLine(run({"--method", "simplex"}), "'simplex' is not one of"));
+    EXPECT_TRUE(isOneErrorLine(run({"--polish", "--method", "least-squares"}), "give one of them"));
+}
+
 TEST(FitCold, LawsWithoutALibraryBlockWarnButStillExport)
 {
     ScratchFolder scratch;

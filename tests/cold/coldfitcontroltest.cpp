@@ -131,8 +131,7 @@ TEST(ColdFitCancel, ACancelledFitLeavesTheRecordAsItWas)
 
 TEST(ColdFitCancel, AStopBeforeThePolishEndsTheFitCancelled)
 {
-    RoomOri record = trueRecord(convexCurve, 200);
-    record.polishWithLeastSquares = true;
+    const RoomOri record = trueRecord(convexCurve, 200);
     std::stop_source stop;
     RunControl control;
     control.stop = stop.get_token();
@@ -140,7 +139,7 @@ TEST(ColdFitCancel, AStopBeforeThePolishEndsTheFitCancelled)
         if (percent == 100)
             stop.request_stop();  // the descent is done; the polish is next
     };
-    const ColdFitResult result = fitColdLaw(record, ColdLawId::KimTuan, control);
+    const ColdFitResult result = fitColdLaw(record, ColdLawId::KimTuan, control, FitMethod::DescentThenLeastSquares);
     EXPECT_TRUE(result.cancelled);
     EXPECT_FALSE(result.law);
 

@@ -165,14 +165,11 @@ TEST(ColdFit, BadCurvesAreRefusedWithAMessage)
 
 TEST(ColdFit, LeastSquaresPolishNeverWorsensAndStaysInBounds)
 {
-    RoomOri record = trueRecord(convexCurve);
-    record.polishWithLeastSquares = true;
-    RoomOri plain = record;
-    plain.polishWithLeastSquares = false;
+    const RoomOri record = trueRecord(convexCurve);
     for (const ColdLawId id : kColdLaws) {
         SCOPED_TRACE(coldLawTitle(id));
-        const ColdFitResult polished = fitColdLaw(record, id, {});
-        const ColdFitResult described = fitColdLaw(plain, id, {});
+        const ColdFitResult polished = fitColdLaw(record, id, {}, FitMethod::DescentThenLeastSquares);
+        const ColdFitResult described = fitColdLaw(record, id, {});
         ASSERT_TRUE(polished.law && described.law);
         EXPECT_LE(polished.law->fitError, described.law->fitError);
         EXPECT_TRUE(polished.law->admissible(polished.law->parameters.data()));
@@ -200,19 +197,18 @@ TEST(ColdFit, PolishLeavesConstrainedAndWeightedFitsAsTheyAre)
             RoomOri constrained = record;
             constrained.neckingConstraint = necking;
             constrained.weighted = !necking;
-            RoomOri polished = constrained;
-            polished.polishWithLeastSquares = true;
             const ColdFitResult alone = fitColdLaw(constrained, id, {});
-            const ColdFitResult asked = fitColdLaw(polished, id, {});
-            ASSERT_TRUE(alone.law && asked.law);
-            EXPECT_EQ(asked.law->parameters, alone.law->parameters) << (necking ? "necking" : "weighted");
-            EXPECT_EQ(asked.text, alone.text);
+            // Least squares alone leaves them to the descent as well.
+            for (const FitMethod method : {FitMethod::DescentThenLeastSquares, FitMethod::LeastSquares}) {
+                const ColdFitResult asked = fitColdLaw(constrained, id, {}, method);
+                ASSERT_TRUE(alone.law && asked.law);
+                EXPECT_EQ(asked.law->parameters, alone.law->parameters) << (necking ? "necking" : "weighted");
+                EXPECT_EQ(asked.text, alone.text);
+            }
         }
         // Unconstrained, the same polish does move the fit: the cases above mean something.
-        RoomOri plain = record;
-        plain.polishWithLeastSquares = true;
-        RoomOri unpolished = record;
-        EXPECT_NE(fitColdLaw(plain, id, {}).law->parameters, fitColdLaw(unpolished, id, {}).law->parameters);
+        EXPECT_NE(fitColdLaw(record, id, {}, FitMethod::DescentThenLeastSquares).law->parameters,
+                  fitColdLaw(record, id, {}).law->parameters);
     }
 }
 

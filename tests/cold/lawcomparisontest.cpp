@@ -19,8 +19,7 @@ constexpr double kCleanSwiftRmse = 2.0;  // MPa
 TEST(LawComparison, RanksEveryLawByOneErrorMeasure)
 {
     RoomOri record = trueRecord(swiftCurve);
-    record.polishWithLeastSquares = true;
-    const LawComparisonResult result = compareColdLaws(record);
+    const LawComparisonResult result = compareColdLaws(record, {}, FitMethod::DescentThenLeastSquares);
     ASSERT_FALSE(result.cancelled);
     ASSERT_EQ(result.rows.size(), kColdLaws.size());
     for (std::size_t i = 1; i < result.rows.size(); ++i)
@@ -71,8 +70,7 @@ TEST(LawComparison, HeldAtABoundIsFlagged)
     std::vector<ParameterBound> bounds = makeColdLaw(ColdLawId::Swift, record)->defaultBounds();
     bounds[2].maximum = 0.21;
     record.parameterBounds = bounds;
-    record.polishWithLeastSquares = true;
-    const LawComparisonResult result = compareColdLaws(record);
+    const LawComparisonResult result = compareColdLaws(record, {}, FitMethod::DescentThenLeastSquares);
     const auto row = std::find_if(result.rows.begin(), result.rows.end(),
                                   [](const LawComparison& r) { return r.law == ColdLawId::Swift; });
     ASSERT_NE(row, result.rows.end());

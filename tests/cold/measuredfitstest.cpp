@@ -10,9 +10,8 @@
 #include <sstream>
 
 #include "base/fileio.h"
+#include "bench/coldcurves.h"
 #include "cold/coldfit.h"
-#include "cold/curvefile.h"
-#include "cold/tensilereduction.h"
 #include "testutil.h"
 
 namespace zelko {
@@ -57,29 +56,10 @@ FitCase readCase(const fs::path& folder)
     return c;
 }
 
-// The record as the tensile screen makes it from a load-displacement file in mm and N.
 RoomOri recordOf(const FitCase& c)
 {
-    RoomOri record;
-    std::string error;
-    const std::optional<Curve> curve = readCurveText(fileText(fs::path(ZELKO_TEST_DATA) / c.curve), error);
-    EXPECT_TRUE(curve) << error;
-    record.inputKind = LoadDisplacement;
-    record.diameter = c.diameter;
-    record.gaugeLength = c.gaugeLength;
-    record.curves[LoadDisplacement] = curve.value_or(Curve{});
-    EXPECT_FALSE(convertEnteredUnits(record));
-    double area = 0.0;
-    EXPECT_FALSE(deriveCurveForms(record, area));
-    const Curve& engineering = record.curves[EngineeringCurve];
-    int necking = 0;
-    for (std::size_t i = 0; i < engineering.size(); ++i)
-        if (engineering[i].y > engineering[static_cast<std::size_t>(necking)].y)
-            necking = static_cast<int>(i);
-    record.startIndex = c.start;
-    record.neckingIndex = necking;
-    record.endIndex = static_cast<int>(engineering.size()) - 1;
-    return record;
+    return bench::measuredTensileRecord((fs::path(ZELKO_TEST_DATA) / c.curve).string(), c.start, c.diameter,
+                                        c.gaugeLength);
 }
 
 std::string allFits(const RoomOri& record)
@@ -91,8 +71,8 @@ std::string allFits(const RoomOri& record)
             RoomOri r = record;
             r.neckingConstraint = mode == 1;
             r.weighted = mode == 2;
-            r.polishWithLeastSquares = mode == 3;
-            const ColdFitResult result = fitColdLaw(r, id, {});
+            const ColdFitResult result
+                = fitColdLaw(r, id, {}, mode == 3 ? FitMethod::DescentThenLeastSquares : FitMethod::Descent);
             text += formatText("== %s, %s\n", coldLawTitle(id), modes[mode]);
             text += (result.law ? result.text : result.message) + "\n";
         }

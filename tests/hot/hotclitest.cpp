@@ -74,6 +74,36 @@ TEST_F(HotCli, HenselSpittelOnTheMeasuredSeries)
     EXPECT_EQ(parameters.size(), 24u + 8 * 16u + 1);  // nine values and the "\r"
 }
 
+TEST_F(HotCli, HenselSpittelByLeastSquaresSaysHowItStopped)
+{
+    const auto aareOf = [](const std::string& line) { return std::stod(line.substr(line.find('=') + 1)); };
+    const CliResult descent = fit(kMeasured, "17");
+    const CliResult stress = fit(kMeasured, "17", {"--method", "least-squares"});
+    const CliResult logarithm = fit(kMeasured, "17", {"--method=least-squares", "--objective", "relative"});
+    for (const CliResult* result : {&descent, &stress, &logarithm})
+        ASSERT_EQ(result->status, 0) << result->err;
+    const auto stressReport = lines(stress.out);
+    ASSERT_GE(stressReport.size(), 12u);
+    EXPECT_EQ(stressReport[11], " stop: converged at a bound");
+    EXPECT_TRUE(stressReport.back().starts_with(" at a bound: "));
+    // The fit for AARE gives the lowest AARE; both beat the descent.
+    const double byDescent = aareOf(lines(descent.out)[0]);
+    const double byStress = aareOf(stressReport[0]);
+    const double byLogarithm = aareOf(lines(logarithm.out)[0]);
+    EXPECT_LT(byLogarithm, byStress);
+    EXPECT_LT(byStress, byDescent);
+}
+
+TEST_F(HotCli, MethodAndObjectiveRefuseWhatTheyCannotDo)
+{
+    EXPECT_TRUE(isOneErrorLine(fit(kMeasured, "17", {"--method", "newton"}), "'newton' is not one of"));
+    EXPECT_TRUE(isOneErrorLine(fit(kMeasured, "17", {"--objective", "squared"}), "neither absolute nor relative"));
+    // The descent fits the stress error alone.
+    EXPECT_TRUE(isOneErrorLine(fit(kMeasured, "17", {"--objective", "relative"}), "relative needs --method"));
+    EXPECT_TRUE(isOneErrorLine(fit(kMeasured, "164", {"--method", "least-squares"}), "the choice is for type 17"));
+    EXPECT_FALSE(fs::exists(scratch.file("out.zmat")));
+}
+
 TEST_F(HotCli, PowerLawTypeMatchesItsGoldenFiles)
 {
     const fs::path golden = dataFile("type16");
