@@ -30,11 +30,14 @@
 #include "cold/coldfit.h"
 #include "cold/coldlaws.h"
 #include "cold/curvefile.h"
+#include "cold/lawcomparison.h"
+#include "cold/yieldpoint.h"
 #include "cold/tensilereduction.h"
 #include "material/tensilechain.h"
 #include "ui/backgroundrun.h"
 #include "ui/charttensiledlg.h"
 #include "ui/chartview.h"
+#include "ui/lawcomparisondlg.h"
 #include "ui/listctrlext.h"
 #include "ui/plastic8advanceddlg.h"
 #include "ui/plasticroomadvdlg.h"
@@ -138,6 +141,7 @@ QWidget* CPlasticRoomDlg::makeDataSide()
         if (const std::optional<Curve> curve = readCurveText(text, error)) {
             showCurve(*curve);
             inputsChanged();
+            startNewCurveAtYield();
         } else {
             QMessageBox::warning(this, kCaption, translateText(QStringLiteral("The pasted text is not a curve: %1"))
                                                      .arg(fromUtf8(error)));
@@ -259,11 +263,17 @@ QWidget* CPlasticRoomDlg::makeCurveSide()
         pendingEdits_ = true;
         refresh_->start();
     });
+    auto* yield = new QPushButton(QStringLiteral("0.2 % yield"), side);
+    yield->setObjectName(QStringLiteral("startAtYield"));
+    yield->setAutoDefault(false);
+    yield->setToolTip(QStringLiteral("Start at the 0.2 % offset yield point (the elastic slope read from the curve)"));
+    connect(yield, &QPushButton::clicked, this, &CPlasticRoomDlg::startAtYield);
     auto* sliderRow = new QHBoxLayout;
     sliderRow->addWidget(slider_, 1);
     sliderRow->addWidget(pointLabel_);
     sliderRow->addWidget(new QLabel(QStringLiteral("Start point"), side));
     sliderRow->addWidget(start_);
+    sliderRow->addWidget(yield);
 
     auto* layout = new QVBoxLayout(side);
     layout->addWidget(chart_, 1);
@@ -287,6 +297,10 @@ QWidget* CPlasticRoomDlg::makeFitSide()
     weighted_->setObjectName(QStringLiteral("weighted"));
     neckingConstraint_ = new QCheckBox(QStringLiteral("Necking constraint"), group);
     neckingConstraint_->setObjectName(QStringLiteral("neckingConstraint"));
+    auto* compare = new QPushButton(QStringLiteral("Compare laws"), group);
+    compare->setObjectName(QStringLiteral("compareLaws"));
+    compare->setAutoDefault(false);
+    connect(compare, &QPushButton::clicked, this, &CPlasticRoomDlg::compareLaws);
     options_ = new QPushButton(QStringLiteral("Numerical option"), group);
     options_->setObjectName(QStringLiteral("numericalOption"));
     connect(options_, &QPushButton::clicked, this, &CPlasticRoomDlg::editOptions);
@@ -319,6 +333,7 @@ QWidget* CPlasticRoomDlg::makeFitSide()
         button->setAutoDefault(false);
     auto* layout = new QVBoxLayout(group);
     layout->addWidget(laws_);
+    layout->addWidget(compare);
     layout->addWidget(weighted_);
     layout->addWidget(neckingConstraint_);
     layout->addWidget(options_);
@@ -436,6 +451,8 @@ bool CPlasticRoomDlg::enter()
     entered_->neckingIndex = neckingIndex_;
     entered_->endIndex = endIndex_;
     showStatus(QString(), false);
+    if (startAtYieldWhenEntered_)
+        placeStartAtYield();
     showPlacedPoint();
     return true;
 }
@@ -556,16 +573,30 @@ void CPlasticRoomDlg::chooseLaw(int position)
                    false);
         return;
     }
+    const std::optional<TensileFitSettings> settings = fitSettings();
+    if (!settings)
+        return;
+    showStatus(translateText(QStringLiteral("Fitting %1 ...")).arg(laws_->item(position)->text()), false);
+    auto record = std::dynamic_pointer_cast<const RoomOri>(entered_->clone());
+    run_->start([material = material_, record, law = *entry.law, settings = *settings, environment = environment_,
+                 this](const RunControl& control) -> std::function<void()> {
+        TensileFit fit = fitTensileLaw(material, *record, law, settings, environment, control);
+        return [this, fit = std::move(fit)] { finishFit(fit); };
+    });
+}
+
+std::optional<TensileFitSettings> CPlasticRoomDlg::fitSettings()
+{
     if (!enter()) {
         QMessageBox::warning(this, kCaption, status_->text());
-        return;
+        return std::nullopt;
     }
     if (neckingIndex_ - startIndex_ + 1 < 2) {
         // Nothing to fit, as the screen always did; said rather than silent.
         showStatus(translateText(QStringLiteral("Fewer than two points lie between the start and the necking "
                                                 "point: there is nothing to fit.")),
                    true);
-        return;
+        return std::nullopt;
     }
     TensileFitSettings settings;
     settings.startIndex = startIndex_;
@@ -574,13 +605,70 @@ void CPlasticRoomDlg::chooseLaw(int position)
     settings.weighted = weighted_->isChecked();
     settings.neckingConstraint = neckingConstraint_->isChecked();
     settings.method = method_;
-    showStatus(translateText(QStringLiteral("Fitting %1 ...")).arg(laws_->item(position)->text()), false);
+    return settings;
+}
+
+void CPlasticRoomDlg::compareLaws()
+{
+    if (run_->running())
+        return;
+    const std::optional<TensileFitSettings> settings = fitSettings();
+    if (!settings)
+        return;
+    showStatus(translateText(QStringLiteral("Fitting every law ...")), false);
     auto record = std::dynamic_pointer_cast<const RoomOri>(entered_->clone());
-    run_->start([material = material_, record, law = *entry.law, settings, environment = environment_,
-                 this](const RunControl& control) -> std::function<void()> {
-        TensileFit fit = fitTensileLaw(material, *record, law, settings, environment, control);
-        return [this, fit = std::move(fit)] { finishFit(fit); };
+    run_->start([record, settings = *settings, this](const RunControl& control) -> std::function<void()> {
+        LawComparisonResult result = compareTensileLaws(*record, settings, control);
+        ChartPoints measured = measuredPoints(*record, CurveForm::True);
+        return [this, result = std::move(result), measured = std::move(measured)] {
+            if (result.cancelled) {
+                showStatus(translateText(QStringLiteral("The comparison was stopped.")), false);
+                return;
+            }
+            showStatus(QString(), false);
+            CLawComparisonDlg comparison(result, measured, translateText(QStringLiteral("True")), this);
+            if (comparison.exec() != QDialog::Accepted || !comparison.chosenLaw())
+                return;
+            for (int position = 0; position < kColdLawListSize; ++position)
+                if (coldLawListEntry(position).law == comparison.chosenLaw())
+                    chooseLaw(position);
+        };
     });
+}
+
+void CPlasticRoomDlg::startNewCurveAtYield()
+{
+    // Row 0 of a load or engineering curve is zero force: a law fitted from there
+    // follows the elastic line. A new curve starts where plastic flow does, as the
+    // command-line tool's fit does, once the specimen lets it be entered.
+    startAtYieldWhenEntered_ = inputKind_->currentIndex() != TrueCurve;
+}
+
+void CPlasticRoomDlg::placeStartAtYield()
+{
+    startAtYieldWhenEntered_ = false;
+    std::string error;
+    const std::optional<YieldPoint> yield = offsetYieldPoint(startSelectionCurve(*entered_), error);
+    if (!yield)
+        return;
+    startIndex_ = entered_->startIndex = yield->index;
+    showStatus(translateText(QStringLiteral("Start point at the 0.2 % offset yield (point %1); set it to 0 to fit "
+                                            "from the first point."))
+                   .arg(yield->index),
+               false);
+}
+
+void CPlasticRoomDlg::startAtYield()
+{
+    if (!enter())
+        return;
+    std::string error;
+    const std::optional<YieldPoint> yield = offsetYieldPoint(startSelectionCurve(*entered_), error);
+    if (!yield) {
+        QMessageBox::warning(this, kCaption, QString::fromStdString(error));
+        return;
+    }
+    start_->setValue(yield->index);
 }
 
 void CPlasticRoomDlg::finishFit(const TensileFit& fit)
@@ -653,6 +741,7 @@ bool CPlasticRoomDlg::importCurve(const QString& path)
     }
     showCurve(*curve);
     inputsChanged();
+    startNewCurveAtYield();
     return true;
 }
 

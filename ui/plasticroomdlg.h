@@ -50,6 +50,12 @@ public:
 
     // The selection handler of the law list (0 is the simulation).
     void chooseLaw(int position);
+    // Every law fitted side by side; the one chosen from the table is then fitted and kept.
+    void compareLaws();
+    // The start point at the 0.2 % offset yield of the entered curve.
+    void startAtYield();
+    void startNewCurveAtYield();
+    void placeStartAtYield();
     bool fitRunning() const;
     void cancelFit();
     // Reads a curve file into the point list; false with a message when it can't.
@@ -95,6 +101,8 @@ private:
     void showStatus(const QString& text, bool problem);
     void keepRecord(std::shared_ptr<zelko::RoomOri> record);
     std::optional<zelko::ColdLawId> selectedLaw() const;
+    // What a fit takes from the screen; nothing (and why, shown) when it can't run.
+    std::optional<zelko::TensileFitSettings> fitSettings();
 
     zelko::Project material_;
     zelko::Environment environment_;
@@ -104,6 +112,7 @@ private:
     std::shared_ptr<const zelko::ColdLaw> law_;
     std::shared_ptr<const zelko::PLASTIC_8> simulation_;
     int startIndex_ = 0;
+    bool startAtYieldWhenEntered_ = false;  // a new load or engineering curve
     int neckingIndex_ = -1;  // -1: the maximum engineering stress
     int endIndex_ = -1;      // -1: the last point
     zelko::TensileJobSettings jobSettings_;

@@ -17,6 +17,7 @@
 #include <QRadioButton>
 #include <QSlider>
 #include <QSpinBox>
+#include <QTableWidget>
 #include <QTemporaryDir>
 
 #include <sys/stat.h>
@@ -26,11 +27,13 @@
 #include "base/fileio.h"
 #include "cold/coldlaws.h"
 #include "cold/curvefile.h"
+#include "cold/yieldpoint.h"
 #include "material/document.h"
 #include "material/tensilechain.h"
 #include "modalanswer.h"
 #include "screenfiles.h"
 #include "ui/chartview.h"
+#include "ui/lawcomparisondlg.h"
 #include "ui/listctrlext.h"
 #include "ui/plasticroomadvdlg.h"
 #include "ui/plasticroomdlg.h"
@@ -78,8 +81,9 @@ QString fitAndRead(CPlasticRoomDlg& dialog, int position)
 }
 
 
-// The engine's answer for the same test, the way fit-cold gets it.
-TensileFit engineFit(const QString& curvePath, ColdLawId law, const TensileFitSettings& settings = {})
+// The engine's answer for the same test, the way fit-cold gets it: from the
+// 0.2 % offset yield point, where the screen places a new curve's start.
+TensileFit engineFit(const QString& curvePath, ColdLawId law)
 {
     std::string error;
     TensileTest test;
@@ -89,6 +93,8 @@ TensileFit engineFit(const QString& curvePath, ColdLawId law, const TensileFitSe
     test.gaugeLength = 75.0;
     Project material;
     EnteredTest entered = enterTensileTest(material, std::move(test));
+    TensileFitSettings settings;
+    settings.startIndex = offsetYieldPoint(startSelectionCurve(*entered.record), error)->index;
     return fitTensileLaw(material, *entered.record, law, settings, testEnvironment());
 }
 
@@ -134,6 +140,7 @@ private slots:
         view->editPlastic();
 
         QCOMPARE(result.toStdString(), engineFit(kTensile1045, ColdLawId::Swift).text);
+        QVERIFY(result.startsWith(QStringLiteral("Y0 = ")));
         const QString saved = folder_.filePath(QStringLiteral("aisi1045.zmat"));
         const QString library = folder_.filePath(QStringLiteral("aisi1045.z3dlib"));
         QVERIFY(view->saveFile(saved));
@@ -240,6 +247,57 @@ private slots:
             return fitTensileLaw(withOptions, *entered.record, ColdLawId::Swift, settings, testEnvironment());
         }();
         QCOMPARE(text.toStdString(), expected.text);
+    }
+
+    // Every law side by side; the row chosen is fitted and kept as a law chosen from the list is.
+    void compareLawsThenUseOne()
+    {
+        CPlasticRoomDlg dialog(Project(), testEnvironment());
+        dialog.show();
+        enterMeasuredTest(dialog, kTensile4130);
+        QTRY_VERIFY(dialog.enteredRecord() != nullptr);
+        auto* start = dialog.findChild<QSpinBox*>(QStringLiteral("startPoint"));
+        std::string error;
+        const int yield = offsetYieldPoint(startSelectionCurve(*dialog.enteredRecord()), error)->index;
+        QCOMPARE(start->value(), yield);  // a new load curve starts at its yield point
+        start->setValue(0);
+        dialog.findChild<QPushButton*>(QStringLiteral("startAtYield"))->click();
+        QCOMPARE(start->value(), yield);
+
+        int rows = 0, drawn = 0;
+        QStringList errors;
+        QString result;
+        whenModalOpens(
+            [&](QWidget* modal) {
+                auto* comparison = qobject_cast<CLawComparisonDlg*>(modal);
+                QVERIFY(comparison);
+                QTableWidget* table = comparison->table();
+                rows = table->rowCount();
+                drawn = comparison->chart()->seriesCount();
+                for (int row = 0; row < rows; ++row) {
+                    errors << table->item(row, 1)->text();
+                    if (table->item(row, 0)->text() == QStringLiteral("Ludwik model (4)"))
+                        table->selectRow(row);
+                }
+                // The chosen law is fitted as from the list: its result box follows.
+                whenModalOpens(
+                    [&](QWidget* box) {
+                        result = qobject_cast<QMessageBox*>(box)->text();
+                        qobject_cast<QMessageBox*>(box)->button(QMessageBox::Ok)->click();
+                    },
+                    &dialog);
+                pressOk(comparison);
+            },
+            &dialog);
+        dialog.compareLaws();
+        QTRY_VERIFY_WITH_TIMEOUT(!result.isEmpty() && !dialog.fitRunning(), 30000);
+        QCOMPARE(rows, kColdLawListSize - 1);
+        QCOMPARE(drawn, rows + 1);  // the measured curve and every fitted law
+        for (int row = 1; row < errors.size(); ++row)
+            if (!errors[row].isEmpty())
+                QVERIFY2(errors[row - 1].toDouble() <= errors[row].toDouble(), qPrintable(errors.join(' ')));
+        QVERIFY(result.startsWith(QStringLiteral("Y = ")));
+        QCOMPARE(recordOf(dialog.material())->heldModel->modelNumber, 4);
     }
 
     void aStoppedFitLeavesTheMaterialAsItWas()

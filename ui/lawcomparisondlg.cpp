@@ -1,0 +1,121 @@
+#include "ui/lawcomparisondlg.h"
+
+#include <QDialogButtonBox>
+#include <QHeaderView>
+#include <QPushButton>
+#include <QSplitter>
+#include <QTableWidget>
+#include <QVBoxLayout>
+
+#include "ui/chartview.h"
+#include "ui/screentext.h"
+
+using namespace zelko;
+using zelko::ui::numberText;
+
+namespace {
+
+enum Column { Law, Error, Parameters, At01, At05, At10, LibraryBlock, Columns };
+
+QList<QPointF> pointsOf(const ChartPoints& values)
+{
+    QList<QPointF> list;
+    for (std::size_t i = 0; i < values.size(); ++i)
+        list.append(QPointF(values.x[i], values.y[i]));
+    return list;
+}
+
+// "Y0 = 612 MPa, s0 = 0.0031*, n = 0.2": '*' marks a parameter held at a bound.
+QString parameterText(const LawComparison& row)
+{
+    QStringList parts;
+    const std::vector<const char*> names = row.fitted->variableNames();
+    for (std::size_t k = 0; k < names.size() && k < row.fitted->parameters.size(); ++k) {
+        const std::string_view unit = coldParameterUnit(row.law, k);
+        QString part = QString::fromLatin1(names[k]) + QStringLiteral(" = ")
+                       + numberText("%.4g", row.fitted->parameters[k]);
+        if (unit != "-")
+            part += QLatin1Char(' ') + QString::fromLatin1(unit.data(), static_cast<int>(unit.size()));
+        if (k < row.atBound.size() && row.atBound[k])
+            part += QLatin1Char('*');
+        parts << part;
+    }
+    return parts.join(QStringLiteral(", "));
+}
+
+}  // namespace
+
+CLawComparisonDlg::CLawComparisonDlg(const LawComparisonResult& result, const ChartPoints& measured,
+                                     const QString& measuredName, QWidget* parent)
+    : QDialog(parent), rows_(result.rows)
+{
+    setObjectName(QStringLiteral("CLawComparisonDlg"));
+    setWindowTitle(QStringLiteral("Compare laws"));
+    table_ = new QTableWidget(static_cast<int>(rows_.size()), Columns, this);
+    table_->setObjectName(QStringLiteral("comparison"));
+    table_->setHorizontalHeaderLabels({QStringLiteral("Law"), QStringLiteral("RMSE [MPa]"),
+                                       QStringLiteral("Parameters"), QStringLiteral("Stress at 0.1"),
+                                       QStringLiteral("Stress at 0.5"), QStringLiteral("Stress at 1.0"),
+                                       QStringLiteral("Library block")});
+    zelko::ui::setUpPointList(table_);
+    table_->setSelectionMode(QAbstractItemView::SingleSelection);
+    table_->setEditTriggers(QAbstractItemView::NoEditTriggers);
+
+    chart_ = new zelko::ui::ChartView(this);
+    chart_->setObjectName(QStringLiteral("comparisonChart"));
+    chart_->setAxisTitles(QStringLiteral("Strain"), QStringLiteral("Stress [MPa]"));
+    chart_->setAppearanceName(QStringLiteral("Nature"));
+    chart_->setPaletteName(QStringLiteral("Vibrant"));
+    chart_->addSeries(measuredName, pointsOf(measured), zelko::ui::SeriesRole::Measured);
+
+    for (int row = 0; row < static_cast<int>(rows_.size()); ++row) {
+        const LawComparison& law = rows_[static_cast<std::size_t>(row)];
+        const QString title = translateText(QString::fromLatin1(coldLawTitle(law.law)));
+        const auto cell = [&](int column, const QString& text) {
+            auto* item = new QTableWidgetItem(text);
+            item->setTextAlignment(column == Law || column == Parameters ? Qt::AlignLeft | Qt::AlignVCenter
+                                                                         : Qt::AlignRight | Qt::AlignVCenter);
+            table_->setItem(row, column, item);
+        };
+        cell(Law, title);
+        cell(LibraryBlock, law.hasLibraryBlock ? translateText(QStringLiteral("yes")) : translateText(QStringLiteral("no")));
+        if (!law.fitted) {
+            cell(Parameters, QString::fromStdString(law.message));
+            continue;
+        }
+        cell(Error, numberText("%.4g", law.rmse));
+        cell(Parameters, parameterText(law));
+        cell(At01, numberText("%.1f", law.extrapolated[0]));
+        cell(At05, numberText("%.1f", law.extrapolated[1]));
+        cell(At10, numberText("%.1f", law.extrapolated[2]));
+        chart_->addSeries(title, pointsOf(fittedPoints(*law.fitted, *law.fitted, CurveForm::True)),
+                          zelko::ui::SeriesRole::Model);
+    }
+    table_->resizeColumnsToContents();
+    table_->horizontalHeader()->setStretchLastSection(true);
+    if (!rows_.empty())
+        table_->selectRow(0);
+    connect(table_, &QTableWidget::cellDoubleClicked, this, [this] { accept(); });
+
+    auto* buttons = zelko::ui::okCancelButtons(this);
+    buttons->button(QDialogButtonBox::Ok)->setText(QStringLiteral("Use this law"));
+    auto* split = new QSplitter(Qt::Vertical, this);
+    split->addWidget(table_);
+    split->addWidget(chart_);
+    split->setStretchFactor(1, 1);
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(split, 1);
+    layout->addWidget(buttons);
+    translateWindow(this, QStringLiteral("PlasticRoom"));
+    chart_->setAxisTitles(translateText(QStringLiteral("Strain")), translateText(QStringLiteral("Stress [MPa]")));
+    resize(1100, 720);
+}
+
+void CLawComparisonDlg::accept()
+{
+    const int row = table_->currentRow();
+    if (row < 0 || row >= static_cast<int>(rows_.size()) || !rows_[static_cast<std::size_t>(row)].fitted)
+        return;
+    chosen_ = rows_[static_cast<std::size_t>(row)].law;
+    QDialog::accept();
+}
