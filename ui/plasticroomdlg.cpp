@@ -116,6 +116,7 @@ CPlasticRoomDlg::CPlasticRoomDlg(const Project& material, const Environment& env
     for (int row = 0; row < laws_->count(); ++row)
         laws_->item(row)->setText(translateText(laws_->item(row)->text()));
     chart_->setAxisTitles(translateText(QStringLiteral("Strain")), translateText(QStringLiteral("Stress [MPa]")));
+    yieldButton_->setToolTip(translateText(yieldButton_->toolTip()));
     resize(1180, 680);
 }
 
@@ -267,6 +268,7 @@ QWidget* CPlasticRoomDlg::makeCurveSide()
     yield->setObjectName(QStringLiteral("startAtYield"));
     yield->setAutoDefault(false);
     yield->setToolTip(QStringLiteral("Start at the 0.2 % offset yield point (the elastic slope read from the curve)"));
+    yieldButton_ = yield;
     connect(yield, &QPushButton::clicked, this, &CPlasticRoomDlg::startAtYield);
     auto* sliderRow = new QHBoxLayout;
     sliderRow->addWidget(slider_, 1);

@@ -130,6 +130,7 @@ private:
     QSlider* slider_ = nullptr;
     QLabel* pointLabel_ = nullptr;
     QSpinBox* start_ = nullptr;
+    QPushButton* yieldButton_ = nullptr;
     QButtonGroup* curveForm_ = nullptr;
     QListWidget* laws_ = nullptr;
     QCheckBox* weighted_ = nullptr;

@@ -33,17 +33,17 @@ void save(QWidget& window, const QString& folder, const QString& name, bool fitT
     window.grab().save(folder + QLatin1Char('/') + name + QStringLiteral(".png"));
 }
 
-// The next message box is grabbed, then answered.
-void saveNextMessage(const QString& folder, const QString& name, bool& seen)
+// The next modal window besides owner is grabbed, then closed.
+void saveNextModal(const QString& folder, const QString& name, bool& seen, QWidget* owner)
 {
-    QTimer::singleShot(20, [folder, name, &seen] {
-        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-        if (!box) {
-            saveNextMessage(folder, name, seen);
+    QTimer::singleShot(20, [folder, name, &seen, owner] {
+        auto* modal = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+        if (!modal || modal == owner) {
+            saveNextModal(folder, name, seen, owner);
             return;
         }
-        save(*box, folder, name);
-        box->accept();
+        save(*modal, folder, name, qobject_cast<QMessageBox*>(modal) != nullptr);
+        modal->reject();
         seen = true;
     });
 }
@@ -66,10 +66,23 @@ void saveTensileScreens(const zelko::Project& material, const zelko::Environment
     waitFor([&] { return tensile.enteredRecord() != nullptr; });
     save(tensile, folder, QStringLiteral("tensile-entered"), false);
     bool seen = false;
-    saveNextMessage(folder, QStringLiteral("tensile-result"), seen);
+    saveNextModal(folder, QStringLiteral("tensile-result"), seen, &tensile);
     tensile.chooseLaw(1);
     waitFor([&] { return seen && !tensile.fitRunning(); });
     save(tensile, folder, QStringLiteral("tensile-fitted"), false);
+    seen = false;
+    saveNextModal(folder, QStringLiteral("tensile-chart"), seen, &tensile);
+    tensile.findChild<QPushButton*>(QStringLiteral("openChart"))->click();
+    seen = false;
+    saveNextModal(folder, QStringLiteral("tensile-compare"), seen, &tensile);
+    tensile.compareLaws();
+    waitFor([&] { return seen && !tensile.fitRunning(); });
+    seen = false;
+    saveNextModal(folder, QStringLiteral("tensile-options"), seen, &tensile);
+    tensile.findChild<QPushButton*>(QStringLiteral("numericalOption"))->click();
+    seen = false;
+    saveNextModal(folder, QStringLiteral("tensile-fracture"), seen, &tensile);
+    tensile.findChild<QPushButton*>(QStringLiteral("fractureCriteria"))->click();
 }
 
 // The hot screen on the measured Gleeble series, Hensel-Spittel fitted.
@@ -120,6 +133,7 @@ int main(int argc, char* argv[])
     CDialogOption options(zelko::ui::currentLanguageId());
     save(options, folder, QStringLiteral("options"));
     const zelko::Environment environment = frame.view()->document().environment();
+    // As the user meets them: the screens are translated when they open.
     saveTensileScreens(zelko::Project(), environment, folder);
     saveHotScreens(zelko::Project(), environment, folder);
     return 0;
