@@ -71,8 +71,9 @@ TEST_F(FitColdOptions, LawAllRanksEveryLawAndStoresTheBestWithABlock)
     std::string best;
     for (Json::ArrayIndex i = 0; i < json["laws"].size(); ++i) {
         const Json::Value& law = json["laws"][i];
-        if (i > 0)
+        if (i > 0) {
             EXPECT_LE(json["laws"][i - 1]["rmse"].asDouble(), law["rmse"].asDouble());
+        }
         EXPECT_EQ(law["stressAtStrain"].size(), 3u);
         EXPECT_EQ(law["units"].size(), law["parameters"].size());
         if (best.empty() && law["libraryBlock"].asBool())
