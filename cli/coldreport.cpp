@@ -77,10 +77,23 @@ Json::Value rowsJson(const std::vector<ChosenRow>& rows)
     return json;
 }
 
+// A fit's stop in a table column.
+const char* stopWord(FitStop stop)
+{
+    switch (stop) {
+    case FitStop::Converged: return "converged";
+    case FitStop::AtBound: return "at bound";
+    case FitStop::IterationLimit: return "iterations";
+    case FitStop::StepFloor: return "step floor";
+    case FitStop::Cancelled: return "cancelled";
+    }
+    return "";
+}
+
 std::string comparisonText(const std::vector<LawComparison>& rows)
 {
-    std::string text = formatText("%-4s %-15s %11s %11s %11s %11s %-6s %s\n", "rank", "law", "RMSE (MPa)", "s(0.1)",
-                                  "s(0.5)", "s(1.0)", "block", "parameters");
+    std::string text = formatText("%-4s %-15s %11s %11s %11s %11s %-6s %-10s %s\n", "rank", "law", "RMSE (MPa)",
+                                  "s(0.1)", "s(0.5)", "s(1.0)", "block", "stop", "parameters");
     bool anyAtBound = false;
     int rank = 0;
     for (const LawComparison& row : rows) {
@@ -89,13 +102,14 @@ std::string comparisonText(const std::vector<LawComparison>& rows)
             text += formatText("%-4s %-15s not fitted: %s\n", "-", name.c_str(), row.message.c_str());
             continue;
         }
-        text += formatText("%-4d %-15s %11.4g %11.5g %11.5g %11.5g %-6s %s\n", ++rank, name.c_str(), row.rmse,
+        text += formatText("%-4d %-15s %11.4g %11.5g %11.5g %11.5g %-6s %-10s %s\n", ++rank, name.c_str(), row.rmse,
                            row.extrapolated[0], row.extrapolated[1], row.extrapolated[2],
-                           row.hasLibraryBlock ? "yes" : "no", parameterList(row).c_str());
+                           row.hasLibraryBlock ? "yes" : "no", stopWord(row.end.stop), parameterList(row).c_str());
         for (const bool at : row.atBound)
             anyAtBound = anyAtBound || at;
     }
-    text += "s(e): stress (MPa) at true strain e from the start point; block: the law has a library block\n";
+    text += "s(e): stress (MPa) at true strain e from the start point; block: the law has a library block;\n"
+            "stop: how the fit ended (converged, at bound, iterations: its limit, step floor: no step improved)\n";
     if (anyAtBound)
         text += "*: held at a bound of the law's parameter table\n";
     return text;
@@ -123,6 +137,7 @@ Json::Value lawJson(const LawComparison& row)
     json["parameters"] = std::move(parameters);
     json["units"] = std::move(units);
     json["atBound"] = std::move(atBound);
+    json["stopReason"] = fitStopText(row.end.stop);
     json["rmse"] = row.rmse;
     json["lawError"] = std::isfinite(law.fitError) ? law.fitError : 0.0;
     Json::Value extrapolated(Json::objectValue);

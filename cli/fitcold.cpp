@@ -319,6 +319,7 @@ int runFitCold(const ParsedArguments& args)
             return fail(fileMessage(curvePath, fit.error));
         if (request.law) {
             single = describeFittedLaw(*stored, fit.law);
+            single->end = fit.end;
             shown = {&*single};
             text = fit.text + "\n";
             // The described text alone unless another method was asked for.

@@ -15,7 +15,7 @@ using zelko::ui::numberText;
 
 namespace {
 
-enum Column { Law, Error, Parameters, At01, At05, At10, LibraryBlock, Columns };
+enum Column { Law, Error, Parameters, At01, At05, At10, LibraryBlock, Stop, Columns };
 
 QList<QPointF> pointsOf(const ChartPoints& values)
 {
@@ -56,7 +56,7 @@ CLawComparisonDlg::CLawComparisonDlg(const LawComparisonResult& result, const Ch
     table_->setHorizontalHeaderLabels({QStringLiteral("Law"), QStringLiteral("RMSE [MPa]"),
                                        QStringLiteral("Parameters"), QStringLiteral("Stress at 0.1"),
                                        QStringLiteral("Stress at 0.5"), QStringLiteral("Stress at 1.0"),
-                                       QStringLiteral("Library block")});
+                                       QStringLiteral("Library block"), QStringLiteral("Stop")});
     zelko::ui::setUpPointList(table_);
     table_->setSelectionMode(QAbstractItemView::SingleSelection);
     table_->setEditTriggers(QAbstractItemView::NoEditTriggers);
@@ -73,7 +73,8 @@ CLawComparisonDlg::CLawComparisonDlg(const LawComparisonResult& result, const Ch
         const QString title = translateText(QString::fromLatin1(coldLawTitle(law.law)));
         const auto cell = [&](int column, const QString& text) {
             auto* item = new QTableWidgetItem(text);
-            item->setTextAlignment(column == Law || column == Parameters ? Qt::AlignLeft | Qt::AlignVCenter
+            item->setTextAlignment(column == Law || column == Parameters || column == Stop
+                                       ? Qt::AlignLeft | Qt::AlignVCenter
                                                                          : Qt::AlignRight | Qt::AlignVCenter);
             table_->setItem(row, column, item);
         };
@@ -88,6 +89,7 @@ CLawComparisonDlg::CLawComparisonDlg(const LawComparisonResult& result, const Ch
         cell(At01, numberText("%.1f", law.extrapolated[0]));
         cell(At05, numberText("%.1f", law.extrapolated[1]));
         cell(At10, numberText("%.1f", law.extrapolated[2]));
+        cell(Stop, translateText(QString::fromLatin1(fitStopText(law.end.stop))));
         chart_->addSeries(title, pointsOf(fittedPoints(*law.fitted, *law.fitted, CurveForm::True)),
                           zelko::ui::SeriesRole::Model);
     }

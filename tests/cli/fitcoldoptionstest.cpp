@@ -75,6 +75,7 @@ TEST_F(FitColdOptions, LawAllRanksEveryLawAndStoresTheBestWithABlock)
             EXPECT_LE(json["laws"][i - 1]["rmse"].asDouble(), law["rmse"].asDouble());
         }
         EXPECT_EQ(law["stressAtStrain"].size(), 3u);
+        EXPECT_EQ(law["stopReason"].asString(), "converged") << law["law"].asString();
         EXPECT_EQ(law["units"].size(), law["parameters"].size());
         if (best.empty() && law["libraryBlock"].asBool())
             best = law["law"].asString();
