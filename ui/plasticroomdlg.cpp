@@ -553,8 +553,32 @@ std::vector<zelko::ui::ChartSeries> CPlasticRoomDlg::chartSeries() const
 
 void CPlasticRoomDlg::openChart()
 {
+    const std::vector<zelko::ui::ChartSeries> series = chartSeries();
     zelko::ui::CDIALOG_GRAPH_TENSILE chart(translateText(QStringLiteral("Strain")),
-                                          translateText(QStringLiteral("Stress [MPa]")), chartSeries(), this);
+                                          translateText(QStringLiteral("Stress [MPa]")), series, this);
+    // The points behind the curves, for the chart's CSV export: a strain column,
+    // then each curve's stress (the law is drawn at the measured strains).
+    auto* values = new zelko::ui::CListCtrlExt(&chart);
+    values->hide();
+    values->setObjectName(QStringLiteral("chartValues"));
+    values->setColumnCount(static_cast<int>(series.size()) + 1);
+    QStringList headers{translateText(QStringLiteral("Strain"))};
+    int rows = 0;
+    for (const zelko::ui::ChartSeries& curve : series) {
+        headers << curve.name;
+        rows = std::max(rows, static_cast<int>(curve.points.size()));
+    }
+    values->setHorizontalHeaderLabels(headers);
+    values->setRowCount(rows);
+    for (int column = 0; column < static_cast<int>(series.size()); ++column) {
+        const QList<QPointF>& points = series[static_cast<std::size_t>(column)].points;
+        for (int row = 0; row < static_cast<int>(points.size()); ++row) {
+            if (!values->item(row, 0))
+                values->setItem(row, 0, new QTableWidgetItem(numberText("%g", points[row].x())));
+            values->setItem(row, column + 1, new QTableWidgetItem(numberText("%g", points[row].y())));
+        }
+    }
+    chart.setDataList(values);
     chart.exec();
 }
 

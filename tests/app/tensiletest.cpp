@@ -32,6 +32,7 @@
 #include "material/tensilechain.h"
 #include "modalanswer.h"
 #include "screenfiles.h"
+#include "ui/chartdialog.h"
 #include "ui/chartview.h"
 #include "ui/lawcomparisondlg.h"
 #include "ui/listctrlext.h"
@@ -448,6 +449,27 @@ private slots:
         QCOMPARE(entered->curves[LoadDisplacement], recordOf(material)->curves[LoadDisplacement]);
         QCOMPARE(entered->curves[EngineeringCurve], recordOf(material)->curves[EngineeringCurve]);
         QCOMPARE(again.shown().fitted.size(), again.shown().measured.size());
+
+        // The tensile chart exports the points behind its curves.
+        const QString csv = folder_.filePath(QStringLiteral("curves.csv"));
+        whenModalOpens(
+            [&](QWidget* modal) {
+                auto* chart = qobject_cast<zelko::ui::CChartDialog*>(modal);
+                QVERIFY(chart);
+                QVERIFY(chart->saveCsv(csv));
+                chart->close();
+            },
+            &again);
+        again.findChild<QPushButton*>(QStringLiteral("openChart"))->click();
+        const std::string bytes = fileBytes(csv);
+        QVERIFY(bytes.size() > 2);
+        const QString text = QString::fromUtf16(reinterpret_cast<const char16_t*>(bytes.data() + 2),
+                                                static_cast<qsizetype>((bytes.size() - 2) / 2));
+        QVERIFY(bytes.compare(0, 2, "\xFF\xFE") == 0);
+        const QStringList lines = text.split(QStringLiteral("\r\n"), Qt::SkipEmptyParts);
+        QCOMPARE(lines.first(), QStringLiteral("Strain, True, Ludwik model (4), "));
+        QCOMPARE(lines.size(), qsizetype(again.shown().measured.size()) + 1);
+        QCOMPARE(lines[1].split(QStringLiteral(", ")).first().toDouble(), again.shown().measured.x[0]);
         pressOk(&again);
         QVERIFY(!again.materialChanged());
     }
