@@ -64,7 +64,7 @@ char* scientificFromShortest(char* first, char* last, double value, int precisio
     return std::copy(e, static_cast<const char*>(end), o);
 }
 
-struct Spec {
+struct Directive {
     bool left = false;
     int width = 0;
     int precision = -1;
@@ -73,11 +73,11 @@ struct Spec {
 };
 
 // Parses the conversion after a "%"; false for anything left to vsnprintf.
-bool parseSpec(const char*& f, Spec& spec)
+bool parseDirective(const char*& f, Directive& directive)
 {
     for (;; ++f) {
         if (*f == '-')
-            spec.left = true;
+            directive.left = true;
         else if (*f == '+' || *f == ' ' || *f == '#' || *f == '0' || *f == '\'' || *f == 'I')
             return false;
         else
@@ -92,79 +92,79 @@ bool parseSpec(const char*& f, Spec& spec)
         }
         return true;
     };
-    if (!number(spec.width))
+    if (!number(directive.width))
         return false;
     if (*f == '.') {
         ++f;
-        if (!number(spec.precision))
+        if (!number(directive.precision))
             return false;
     }
     switch (*f) {
-    case 'h': spec.length = f[1] == 'h' ? (++f, 'H') : 'h'; ++f; break;
-    case 'l': spec.length = f[1] == 'l' ? (++f, 'q') : 'l'; ++f; break;
-    case 'z': case 'j': case 't': spec.length = *f++; break;
+    case 'h': directive.length = f[1] == 'h' ? (++f, 'H') : 'h'; ++f; break;
+    case 'l': directive.length = f[1] == 'l' ? (++f, 'q') : 'l'; ++f; break;
+    case 'z': case 'j': case 't': directive.length = *f++; break;
     default: break;
     }
-    spec.conversion = *f;
-    if (spec.conversion == '\0')
+    directive.conversion = *f;
+    if (directive.conversion == '\0')
         return false;
     ++f;
-    switch (spec.conversion) {
+    switch (directive.conversion) {
     case 'd': case 'i': case 'u':
-        return spec.precision < 0;
+        return directive.precision < 0;
     case 'e': case 'E': case 'f': case 'F': case 'g': case 'G':
-        return (spec.length == 0 || spec.length == 'l') && spec.precision <= kMaxFastPrecision;
+        return (directive.length == 0 || directive.length == 'l') && directive.precision <= kMaxFastPrecision;
     case 's': case 'c':
-        return spec.length == 0;
+        return directive.length == 0;
     default:
         return false;
     }
 }
 
-void appendPadded(std::string& out, const Spec& spec, const char* text, std::size_t length)
+void appendPadded(std::string& out, const Directive& directive, const char* text, std::size_t length)
 {
-    const std::size_t width = static_cast<std::size_t>(spec.width);
+    const std::size_t width = static_cast<std::size_t>(directive.width);
     const std::size_t pad = width > length ? width - length : 0;
-    if (!spec.left)
+    if (!directive.left)
         out.append(pad, ' ');
     out.append(text, length);
-    if (spec.left)
+    if (directive.left)
         out.append(pad, ' ');
 }
 
 template <class Int>
-void appendInteger(std::string& out, const Spec& spec, Int value)
+void appendInteger(std::string& out, const Directive& directive, Int value)
 {
     char text[24];
     const auto result = std::to_chars(text, text + sizeof text, value);
-    appendPadded(out, spec, text, static_cast<std::size_t>(result.ptr - text));
+    appendPadded(out, directive, text, static_cast<std::size_t>(result.ptr - text));
 }
 
-void appendSigned(std::string& out, const Spec& spec, va_list& args)
+void appendSigned(std::string& out, const Directive& directive, va_list& args)
 {
-    switch (spec.length) {
-    case 'H': appendInteger(out, spec, static_cast<signed char>(va_arg(args, int))); break;
-    case 'h': appendInteger(out, spec, static_cast<short>(va_arg(args, int))); break;
-    case 'l': appendInteger(out, spec, va_arg(args, long)); break;
-    case 'q': appendInteger(out, spec, va_arg(args, long long)); break;
-    case 'z': appendInteger(out, spec, va_arg(args, std::make_signed_t<std::size_t>)); break;
-    case 'j': appendInteger(out, spec, va_arg(args, std::intmax_t)); break;
-    case 't': appendInteger(out, spec, va_arg(args, std::ptrdiff_t)); break;
-    default: appendInteger(out, spec, va_arg(args, int)); break;
+    switch (directive.length) {
+    case 'H': appendInteger(out, directive, static_cast<signed char>(va_arg(args, int))); break;
+    case 'h': appendInteger(out, directive, static_cast<short>(va_arg(args, int))); break;
+    case 'l': appendInteger(out, directive, va_arg(args, long)); break;
+    case 'q': appendInteger(out, directive, va_arg(args, long long)); break;
+    case 'z': appendInteger(out, directive, va_arg(args, std::make_signed_t<std::size_t>)); break;
+    case 'j': appendInteger(out, directive, va_arg(args, std::intmax_t)); break;
+    case 't': appendInteger(out, directive, va_arg(args, std::ptrdiff_t)); break;
+    default: appendInteger(out, directive, va_arg(args, int)); break;
     }
 }
 
-void appendUnsigned(std::string& out, const Spec& spec, va_list& args)
+void appendUnsigned(std::string& out, const Directive& directive, va_list& args)
 {
-    switch (spec.length) {
-    case 'H': appendInteger(out, spec, static_cast<unsigned char>(va_arg(args, unsigned))); break;
-    case 'h': appendInteger(out, spec, static_cast<unsigned short>(va_arg(args, unsigned))); break;
-    case 'l': appendInteger(out, spec, va_arg(args, unsigned long)); break;
-    case 'q': appendInteger(out, spec, va_arg(args, unsigned long long)); break;
-    case 'z': appendInteger(out, spec, va_arg(args, std::size_t)); break;
-    case 'j': appendInteger(out, spec, va_arg(args, std::uintmax_t)); break;
-    case 't': appendInteger(out, spec, static_cast<std::make_unsigned_t<std::ptrdiff_t>>(va_arg(args, std::ptrdiff_t))); break;
-    default: appendInteger(out, spec, va_arg(args, unsigned)); break;
+    switch (directive.length) {
+    case 'H': appendInteger(out, directive, static_cast<unsigned char>(va_arg(args, unsigned))); break;
+    case 'h': appendInteger(out, directive, static_cast<unsigned short>(va_arg(args, unsigned))); break;
+    case 'l': appendInteger(out, directive, va_arg(args, unsigned long)); break;
+    case 'q': appendInteger(out, directive, va_arg(args, unsigned long long)); break;
+    case 'z': appendInteger(out, directive, va_arg(args, std::size_t)); break;
+    case 'j': appendInteger(out, directive, va_arg(args, std::uintmax_t)); break;
+    case 't': appendInteger(out, directive, static_cast<std::make_unsigned_t<std::ptrdiff_t>>(va_arg(args, std::ptrdiff_t))); break;
+    default: appendInteger(out, directive, va_arg(args, unsigned)); break;
     }
 }
 
@@ -225,21 +225,21 @@ void appendFormattedV(std::string& out, const char* fmt, va_list args)
             ++f;
             continue;
         }
-        Spec spec;
-        if (!parseSpec(f, spec)) {
+        Directive directive;
+        if (!parseDirective(f, directive)) {
             handled = false;
             break;
         }
-        switch (spec.conversion) {
+        switch (directive.conversion) {
         case 'd': case 'i':
-            appendSigned(out, spec, fast);
+            appendSigned(out, directive, fast);
             break;
         case 'u':
-            appendUnsigned(out, spec, fast);
+            appendUnsigned(out, directive, fast);
             break;
         case 'c': {
             const char c = static_cast<char>(va_arg(fast, int));
-            appendPadded(out, spec, &c, 1);
+            appendPadded(out, directive, &c, 1);
             break;
         }
         case 's': {
@@ -249,18 +249,18 @@ void appendFormattedV(std::string& out, const char* fmt, va_list args)
                 break;
             }
             std::size_t length = 0;
-            while ((spec.precision < 0 || length < static_cast<std::size_t>(spec.precision)) && s[length] != '\0')
+            while ((directive.precision < 0 || length < static_cast<std::size_t>(directive.precision)) && s[length] != '\0')
                 ++length;
-            appendPadded(out, spec, s, length);
+            appendPadded(out, directive, s, length);
             break;
         }
         default: {
             char text[kDoubleBuffer];
-            const char* end = formatDouble(text, text + sizeof text, va_arg(fast, double), spec.conversion, spec.precision);
+            const char* end = formatDouble(text, text + sizeof text, va_arg(fast, double), directive.conversion, directive.precision);
             if (!end)
                 handled = false;
             else
-                appendPadded(out, spec, text, static_cast<std::size_t>(end - text));
+                appendPadded(out, directive, text, static_cast<std::size_t>(end - text));
             break;
         }
         }
