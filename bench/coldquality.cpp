@@ -75,7 +75,7 @@ int main(int argc, char** argv)
             const zelko::ColdFitResult descent = zelko::fitColdLaw(c.record, id, {});
             const zelko::ColdFitResult fitted = zelko::fitColdLaw(c.record, id, {}, zelko::FitMethod::LeastSquares);
             std::printf("| %s | %s | %.6g | %.6g | %s |\n", c.name.c_str(), zelko::coldLawTitle(id),
-                        descent.law->fitError, fitted.law->fitError, zelko::fitEndText(*fitted.law, fitted.end).c_str());
+                        descent.law->fitError, fitted.law->fitError, zelko::fitEndText(*fitted.law).c_str());
         }
     }
     return 0;

@@ -104,7 +104,7 @@ std::string comparisonText(const std::vector<LawComparison>& rows)
         }
         text += formatText("%-4d %-15s %11.4g %11.5g %11.5g %11.5g %-6s %-10s %s\n", ++rank, name.c_str(), row.rmse,
                            row.extrapolated[0], row.extrapolated[1], row.extrapolated[2],
-                           row.hasLibraryBlock ? "yes" : "no", stopWord(row.end.stop), parameterList(row).c_str());
+                           row.hasLibraryBlock ? "yes" : "no", stopWord(row.fitted->fitEnd.stop), parameterList(row).c_str());
         for (const bool at : row.atBound)
             anyAtBound = anyAtBound || at;
     }
@@ -137,7 +137,7 @@ Json::Value lawJson(const LawComparison& row)
     json["parameters"] = std::move(parameters);
     json["units"] = std::move(units);
     json["atBound"] = std::move(atBound);
-    json["stopReason"] = fitStopText(row.end.stop);
+    json["stopReason"] = fitStopText(row.fitted->fitEnd.stop);
     json["rmse"] = row.rmse;
     json["lawError"] = std::isfinite(law.fitError) ? law.fitError : 0.0;
     Json::Value extrapolated(Json::objectValue);

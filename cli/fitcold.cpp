@@ -319,12 +319,11 @@ int runFitCold(const ParsedArguments& args)
             return fail(fileMessage(curvePath, fit.error));
         if (request.law) {
             single = describeFittedLaw(*stored, fit.law);
-            single->end = fit.end;
             shown = {&*single};
             text = fit.text + "\n";
             // The described text alone unless another method was asked for.
             if (request.settings.method != FitMethod::Descent)
-                text += fitEndText(*fit.law, fit.end) + "\n";
+                text += fitEndText(*fit.law) + "\n";
             json = lawJson(*single);
             json["text"] = fit.text;
         } else {

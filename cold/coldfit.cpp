@@ -93,8 +93,9 @@ bool writeSwiftComparisonTable(const ColdLaw& swift, const std::filesystem::path
     return saveFileAtomically(exchangeFolder / "ZELKO_MAT_PL1.dat", out.bytes(), error);
 }
 
-std::string fitEndText(const ColdLaw& law, const FitEnd& end)
+std::string fitEndText(const ColdLaw& law)
 {
+    const FitEnd& end = law.fitEnd;
     std::string text = std::string("Stop: ") + fitStopText(end.stop);
     if (end.bounds.any()) {
         text += "; at a bound:";
@@ -174,19 +175,8 @@ ColdFitResult fitColdLaw(const RoomOri& record, ColdLawId id, const RunControl& 
     }
 
     result.text = law->resultText();
-    result.end = law->fitEnd;
     result.law = law;
     return result;
-}
-
-void applyColdFit(const ColdFitResult& result, RoomOri& record)
-{
-    if (result.cancelled)
-        return;
-    if (result.trueCurve)
-        record.curves[TrueCurve] = *result.trueCurve;
-    if (result.law)
-        record.heldModel = result.law->clone();
 }
 
 }  // namespace zelko

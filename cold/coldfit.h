@@ -19,7 +19,6 @@ struct ColdFitResult {
     std::string text;                // the result text, as the screen shows it
     std::string message;             // why nothing ran
     bool cancelled = false;          // a stop request ended the fit; nothing to apply
-    FitEnd end;                      // how the fit that left the law's parameters ended
 };
 
 // Fits the law to the record: rebuilds the true curve from the engineering one
@@ -30,13 +29,9 @@ struct ColdFitResult {
 ColdFitResult fitColdLaw(const RoomOri& record, ColdLawId law, const RunControl& control,
                          FitMethod method = FitMethod::Descent);
 
-// How the fit ended, a line for the result: the stop and the parameters at a bound
-// ("Stop: converged at a bound; at a bound: n (upper)").
-std::string fitEndText(const ColdLaw& law, const FitEnd& end);
-
-// What a fit leaves in the record: the rebuilt true curve and a copy of the law
-// as its held model. A cancelled result leaves the record as it was.
-void applyColdFit(const ColdFitResult& result, RoomOri& record);
+// How the law's fit ended, a line for the result: the stop and the parameters at
+// a bound ("Stop: converged at a bound; at a bound: n (upper)").
+std::string fitEndText(const ColdLaw& law);
 
 // The Swift comparison table: strain, measured and predicted stress, error in %.
 std::string swiftComparisonTable(const ColdLaw& swift);

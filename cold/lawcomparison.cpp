@@ -118,7 +118,6 @@ LawComparisonResult compareColdLaws(const RoomOri& record, const RunControl& con
         row.message = fit.law ? fittedLawRefusal(*fit.law) : fit.message;
         if (fit.law && row.message.empty())
             row = describeFittedLaw(id, fit.law);
-        row.end = fit.end;
         result.rows.push_back(std::move(row));
         control.report(++done * 100 / static_cast<int>(kColdLaws.size()));
     }

@@ -27,7 +27,6 @@ struct LawComparison {
     std::vector<bool> atBound;              // a parameter the bound table held back
     std::array<double, kComparisonStrains.size()> extrapolated{};  // MPa
     bool hasLibraryBlock = false;
-    FitEnd end;  // how its fit stopped
 };
 
 struct LawComparisonResult {

@@ -107,11 +107,10 @@ TensileFit fitRecord(const Project& material, std::shared_ptr<RoomOri> record, C
         std::string ignored;
         writeSwiftComparisonTable(*result.law, environment.exchangeFolder, ignored);
     }
-    // What applyColdFit leaves, without copies of a long curve: the rebuilt true
-    // curve moves into the record, and the fit's own law becomes its held model.
+    // No copies of a long curve: the rebuilt true curve moves into the record,
+    // and the fit's own law becomes its held model.
     if (result.trueCurve)
         record->curves[TrueCurve] = std::move(*result.trueCurve);
-    fit.end = result.end;
     fit.law = result.law;
     record->heldModel = std::move(result.law);
     fit.text = std::move(result.text);

@@ -63,7 +63,6 @@ struct TensileFit {
     std::string text;   // the result, as the screen shows it
     std::string error;  // why nothing was fitted
     bool cancelled = false;
-    FitEnd end;  // how the fit ended: its stop and the parameters at a bound
 };
 // Fits the law (its model id) to a record from enterTensileTest. The Swift fit
 // also leaves its comparison table in the exchange folder, as the screen does.

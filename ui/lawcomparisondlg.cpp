@@ -89,7 +89,7 @@ CLawComparisonDlg::CLawComparisonDlg(const LawComparisonResult& result, const Ch
         cell(At01, numberText("%.1f", law.extrapolated[0]));
         cell(At05, numberText("%.1f", law.extrapolated[1]));
         cell(At10, numberText("%.1f", law.extrapolated[2]));
-        cell(Stop, translateText(QString::fromLatin1(fitStopText(law.end.stop))));
+        cell(Stop, translateText(QString::fromLatin1(fitStopText(law.fitted->fitEnd.stop))));
         chart_->addSeries(title, pointsOf(fittedPoints(*law.fitted, *law.fitted, CurveForm::True)),
                           zelko::ui::SeriesRole::Model);
     }

@@ -720,7 +720,7 @@ void CPlasticRoomDlg::finishFit(const TensileFit& fit)
     // The described text; another method than the descent also says how it ended.
     std::string text = fit.text;
     if (method_ != FitMethod::Descent && fit.law)
-        text += "\n" + fitEndText(*fit.law, fit.end);
+        text += "\n" + fitEndText(*fit.law);
     QMessageBox result(QMessageBox::Information, kCaption, fromUtf8(text), QMessageBox::Ok, this);
     result.setObjectName(QStringLiteral("fitResult"));
     // The result lines are aligned in columns.

@@ -120,18 +120,18 @@ TEST(ColdLeastSquares, SaysWhenAParameterEndsAtItsBound)
     const ColdFitResult fit = fitColdLaw(record, ColdLawId::Ludwik, {}, FitMethod::LeastSquares);
     ASSERT_TRUE(fit.law);
     EXPECT_EQ(fit.law->parameters[2], 0.3);
-    EXPECT_EQ(fit.end.stop, FitStop::AtBound);
-    EXPECT_EQ(fit.end.bounds.upper, 1u << 2);
-    EXPECT_EQ(fit.end.bounds.lower, 0u);
-    EXPECT_EQ(fitEndText(*fit.law, fit.end), "Stop: converged at a bound; at a bound: n (upper)");
+    EXPECT_EQ(fit.law->fitEnd.stop, FitStop::AtBound);
+    EXPECT_EQ(fit.law->fitEnd.bounds.upper, 1u << 2);
+    EXPECT_EQ(fit.law->fitEnd.bounds.lower, 0u);
+    EXPECT_EQ(fitEndText(*fit.law), "Stop: converged at a bound; at a bound: n (upper)");
 
     // With room to move the same fit converges inside, on the curve's own exponent.
     record.parameterBounds.clear();
     const ColdFitResult free = fitColdLaw(record, ColdLawId::Ludwik, {}, FitMethod::LeastSquares);
-    EXPECT_EQ(free.end.stop, FitStop::Converged);
-    EXPECT_FALSE(free.end.bounds.any());
+    EXPECT_EQ(free.law->fitEnd.stop, FitStop::Converged);
+    EXPECT_FALSE(free.law->fitEnd.bounds.any());
     EXPECT_NEAR(free.law->parameters[2], 0.5, 1e-6);
-    EXPECT_EQ(fitEndText(*free.law, free.end), "Stop: converged");
+    EXPECT_EQ(fitEndText(*free.law), "Stop: converged");
 }
 
 TEST(ColdLeastSquares, TheDescentSaysHowItStoppedToo)
@@ -140,11 +140,11 @@ TEST(ColdLeastSquares, TheDescentSaysHowItStoppedToo)
     record.maxIterations = 3;
     record.targetError = 0.0;
     const ColdFitResult limited = fitColdLaw(record, ColdLawId::Swift, {});
-    EXPECT_EQ(limited.end.stop, FitStop::IterationLimit);
-    EXPECT_EQ(limited.end.iterations, 3);
+    EXPECT_EQ(limited.law->fitEnd.stop, FitStop::IterationLimit);
+    EXPECT_EQ(limited.law->fitEnd.iterations, 3);
     record.maxIterations = 10000;
     record.targetError = 1.0;
-    EXPECT_EQ(fitColdLaw(record, ColdLawId::Swift, {}).end.stop, FitStop::Converged);  // its target reached
+    EXPECT_EQ(fitColdLaw(record, ColdLawId::Swift, {}).law->fitEnd.stop, FitStop::Converged);  // its target reached
 }
 
 TEST(ColdLeastSquares, KeepsFixedParametersAndFindsTheOthers)

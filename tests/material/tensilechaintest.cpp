@@ -61,6 +61,11 @@ TEST(TensileChain, FitsIntoANewMaterialWithTheLawItExports)
     EXPECT_FALSE(record->curves[TrueCurve].empty());
     // The fitted law is the record's held model itself: a long true curve is not held a third time.
     EXPECT_EQ(fit.law.get(), record->heldModel.get());
+    // The record writes the law's block through its held model.
+    TextWriter direct, forwarded;
+    fit.law->writeLibraryBlock(direct, 6);
+    EXPECT_TRUE(record->forwardWriteLibraryBlock(forwarded, 6));
+    EXPECT_EQ(direct.text(), forwarded.text());
     ASSERT_TRUE(fit.material->libraryModel());
     EXPECT_EQ(fit.material->libraryModel()->modelNumber, 1);
     EXPECT_TRUE(libraryEntryBytes(*fit.material).hasModelBlock);
