@@ -12,18 +12,11 @@
 
 using namespace zelko;
 using zelko::ui::numberText;
+using zelko::ui::pointList;
 
 namespace {
 
 enum Column { Law, Error, Parameters, At01, At05, At10, LibraryBlock, Stop, Columns };
-
-QList<QPointF> pointsOf(const ChartPoints& values)
-{
-    QList<QPointF> list;
-    for (std::size_t i = 0; i < values.size(); ++i)
-        list.append(QPointF(values.x[i], values.y[i]));
-    return list;
-}
 
 // "Y0 = 612 MPa, s0 = 0.0031*, n = 0.2": '*' marks a parameter held at a bound.
 QString parameterText(const LawComparison& row)
@@ -66,7 +59,7 @@ CLawComparisonDlg::CLawComparisonDlg(const LawComparisonResult& result, const Ch
     chart_->setAxisTitles(QStringLiteral("Strain"), QStringLiteral("Stress [MPa]"));
     chart_->setAppearanceName(QStringLiteral("Nature"));
     chart_->setPaletteName(QStringLiteral("Vibrant"));
-    chart_->addSeries(measuredName, pointsOf(measured), zelko::ui::SeriesRole::Measured);
+    chart_->addSeries(measuredName, pointList(measured), zelko::ui::SeriesRole::Measured);
 
     for (int row = 0; row < static_cast<int>(rows_.size()); ++row) {
         const LawComparison& law = rows_[static_cast<std::size_t>(row)];
@@ -90,7 +83,7 @@ CLawComparisonDlg::CLawComparisonDlg(const LawComparisonResult& result, const Ch
         cell(At05, numberText("%.1f", law.extrapolated[1]));
         cell(At10, numberText("%.1f", law.extrapolated[2]));
         cell(Stop, translateText(QString::fromLatin1(fitStopText(law.fitted->fitEnd.stop))));
-        chart_->addSeries(title, pointsOf(fittedPoints(*law.fitted, *law.fitted, CurveForm::True)),
+        chart_->addSeries(title, pointList(fittedPoints(*law.fitted, *law.fitted, CurveForm::True)),
                           zelko::ui::SeriesRole::Model);
     }
     table_->resizeColumnsToContents();

@@ -101,22 +101,25 @@ CPlasticRoomDlg::CPlasticRoomDlg(const Project& material, const Environment& env
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(sides, 1);
     layout->addWidget(status_);
-    layout->addWidget(zelko::ui::okCancelButtons(this));
+    auto* buttons = zelko::ui::okCancelButtons(this);
+    ok_ = buttons->button(QDialogButtonBox::Ok);
+    layout->addWidget(buttons);
 
     connect(run_, &zelko::ui::BackgroundRun::progressed, progress_, &QProgressBar::setValue);
     connect(run_, &zelko::ui::BackgroundRun::runningChanged, this, &CPlasticRoomDlg::setRunning);
     setRunning(false);
 
-    if (const auto* record = dynamic_cast<const RoomOri*>(material_.activeModel.get()))
-        showRecord(*record);
-    else
-        showPointHeaders();
     translateWindow(this, QStringLiteral("PlasticRoom"));
     // A list box holds data for the translator, so its law names are done here.
     for (int row = 0; row < laws_->count(); ++row)
         laws_->item(row)->setText(translateText(laws_->item(row)->text()));
     chart_->setAxisTitles(translateText(QStringLiteral("Strain")), translateText(QStringLiteral("Stress [MPa]")));
     yieldButton_->setToolTip(translateText(yieldButton_->toolTip()));
+    // After the translation: the chart's series and the headers are named in the screen's language.
+    if (const auto* record = dynamic_cast<const RoomOri*>(material_.activeModel.get()))
+        showRecord(*record);
+    else
+        showPointHeaders();
     resize(1180, 680);
 }
 
@@ -244,9 +247,8 @@ QWidget* CPlasticRoomDlg::makeCurveSide()
     placedRow->addWidget(chartButton);
     connect(placed_, &QButtonGroup::idClicked, this, [this](int which) {
         if (which == static_cast<int>(PlacedPoint::Last) && entered_)
-            endIndex_ = static_cast<int>(entered_->inputCurve().size()) - 1;
+            placePoint(static_cast<int>(entered_->inputCurve().size()) - 1);
         showPlacedPoint();
-        refreshCurve();
     });
 
     slider_ = new QSlider(Qt::Horizontal, side);
@@ -257,13 +259,7 @@ QWidget* CPlasticRoomDlg::makeCurveSide()
     pointLabel_->setMinimumWidth(160);
     start_ = new QSpinBox(side);
     start_->setObjectName(QStringLiteral("startPoint"));
-    connect(start_, &QSpinBox::valueChanged, this, [this](int value) {
-        startIndex_ = value;
-        if (entered_)
-            entered_->startIndex = value;
-        pendingEdits_ = true;
-        refresh_->start();
-    });
+    connect(start_, &QSpinBox::valueChanged, this, &CPlasticRoomDlg::placeStart);
     auto* yield = new QPushButton(QStringLiteral("0.2 % yield"), side);
     yield->setObjectName(QStringLiteral("startAtYield"));
     yield->setAutoDefault(false);
@@ -299,10 +295,10 @@ QWidget* CPlasticRoomDlg::makeFitSide()
     weighted_->setObjectName(QStringLiteral("weighted"));
     neckingConstraint_ = new QCheckBox(QStringLiteral("Necking constraint"), group);
     neckingConstraint_->setObjectName(QStringLiteral("neckingConstraint"));
-    auto* compare = new QPushButton(QStringLiteral("Compare laws"), group);
-    compare->setObjectName(QStringLiteral("compareLaws"));
-    compare->setAutoDefault(false);
-    connect(compare, &QPushButton::clicked, this, &CPlasticRoomDlg::compareLaws);
+    compare_ = new QPushButton(QStringLiteral("Compare laws"), group);
+    compare_->setObjectName(QStringLiteral("compareLaws"));
+    compare_->setAutoDefault(false);
+    connect(compare_, &QPushButton::clicked, this, &CPlasticRoomDlg::compareLaws);
     options_ = new QPushButton(QStringLiteral("Numerical option"), group);
     options_->setObjectName(QStringLiteral("numericalOption"));
     connect(options_, &QPushButton::clicked, this, &CPlasticRoomDlg::editOptions);
@@ -335,7 +331,7 @@ QWidget* CPlasticRoomDlg::makeFitSide()
         button->setAutoDefault(false);
     auto* layout = new QVBoxLayout(group);
     layout->addWidget(laws_);
-    layout->addWidget(compare);
+    layout->addWidget(compare_);
     layout->addWidget(weighted_);
     layout->addWidget(neckingConstraint_);
     layout->addWidget(options_);
@@ -377,10 +373,9 @@ void CPlasticRoomDlg::showRecord(const RoomOri& record)
     startIndex_ = record.startIndex;
     neckingIndex_ = test.curve.empty() ? -1 : record.neckingIndex;
     endIndex_ = test.curve.empty() ? -1 : record.endIndex;
-    if (const auto* law = dynamic_cast<const ColdLaw*>(record.heldModel.get()))
-        law_ = std::dynamic_pointer_cast<const ColdLaw>(law->clone());
-    if (const auto* model = dynamic_cast<const PLASTIC_8*>(record.heldModel.get()))
-        simulation_ = std::dynamic_pointer_cast<const PLASTIC_8>(model->clone());
+    // Shared, not copied: a law holds its own true curve.
+    law_ = std::dynamic_pointer_cast<const ColdLaw>(record.heldModel);
+    simulation_ = std::dynamic_pointer_cast<const PLASTIC_8>(record.heldModel);
     if (!test.curve.empty())
         refreshCurve();
 }
@@ -473,7 +468,7 @@ void CPlasticRoomDlg::showPlacedPoint()
         const QSignalBlocker blocker(slider_);
         slider_->setRange(0, std::max(0, last));
         slider_->setValue(std::max(0, index));
-        slider_->setEnabled(entered_ && which != PlacedPoint::Last);
+        slider_->setEnabled(entered_ && which != PlacedPoint::Last && !run_->running());
         const QSignalBlocker startBlocker(start_);
         start_->setRange(0, std::max(0, last));
         start_->setValue(startIndex_);
@@ -495,6 +490,15 @@ void CPlasticRoomDlg::showPlacedPoint()
         pointLabel_->setText(numberText("%g", value).prepend(translateText(QStringLiteral("Last point")) + QStringLiteral(": ")));
         break;
     }
+}
+
+void CPlasticRoomDlg::placeStart(int index)
+{
+    startIndex_ = index;
+    if (entered_)
+        entered_->startIndex = index;
+    pendingEdits_ = true;
+    refresh_->start();
 }
 
 void CPlasticRoomDlg::placePoint(int index)
@@ -534,20 +538,14 @@ void CPlasticRoomDlg::refreshCurve()
 
 std::vector<zelko::ui::ChartSeries> CPlasticRoomDlg::chartSeries() const
 {
-    const auto points = [](const ChartPoints& values) {
-        QList<QPointF> list;
-        list.reserve(static_cast<qsizetype>(values.size()));
-        for (std::size_t i = 0; i < values.size(); ++i)
-            list.append(QPointF(values.x[i], values.y[i]));
-        return list;
-    };
+    using zelko::ui::pointList;
     const bool engineering = curveForm_->checkedId() == static_cast<int>(CurveForm::Engineering);
     std::vector<zelko::ui::ChartSeries> series;
     if (shown_.measured.size() > 0)
         series.push_back({translateText(engineering ? QStringLiteral("Engineering") : QStringLiteral("True")),
-                          points(shown_.measured), zelko::ui::SeriesRole::Measured});
+                          pointList(shown_.measured), zelko::ui::SeriesRole::Measured});
     if (shown_.fitted.size() > 0)
-        series.push_back({shown_.fittedName, points(shown_.fitted), zelko::ui::SeriesRole::Model});
+        series.push_back({shown_.fittedName, pointList(shown_.fitted), zelko::ui::SeriesRole::Model});
     return series;
 }
 
@@ -574,8 +572,8 @@ void CPlasticRoomDlg::openChart()
         const QList<QPointF>& points = series[static_cast<std::size_t>(column)].points;
         for (int row = 0; row < static_cast<int>(points.size()); ++row) {
             if (!values->item(row, 0))
-                values->setItem(row, 0, new QTableWidgetItem(numberText("%g", points[row].x())));
-            values->setItem(row, column + 1, new QTableWidgetItem(numberText("%g", points[row].y())));
+                values->setItem(row, 0, new QTableWidgetItem(numberText("%.10g", points[row].x())));
+            values->setItem(row, column + 1, new QTableWidgetItem(numberText("%.10g", points[row].y())));
         }
     }
     chart.setDataList(values);
@@ -670,17 +668,23 @@ void CPlasticRoomDlg::startNewCurveAtYield()
     startAtYieldWhenEntered_ = inputKind_->currentIndex() != TrueCurve;
 }
 
+std::optional<int> CPlasticRoomDlg::yieldIndex(std::string& error) const
+{
+    const std::optional<YieldPoint> yield = offsetYieldPoint(startSelectionCurve(*entered_), error);
+    return yield ? std::optional<int>(yield->index) : std::nullopt;
+}
+
 void CPlasticRoomDlg::placeStartAtYield()
 {
     startAtYieldWhenEntered_ = false;
-    std::string error;
-    const std::optional<YieldPoint> yield = offsetYieldPoint(startSelectionCurve(*entered_), error);
+    std::string ignored;  // a curve without a yield point keeps its start
+    const std::optional<int> yield = yieldIndex(ignored);
     if (!yield)
         return;
-    startIndex_ = entered_->startIndex = yield->index;
+    startIndex_ = entered_->startIndex = *yield;
     showStatus(translateText(QStringLiteral("Start point at the 0.2 % offset yield (point %1); set it to 0 to fit "
                                             "from the first point."))
-                   .arg(yield->index),
+                   .arg(*yield),
                false);
 }
 
@@ -689,12 +693,12 @@ void CPlasticRoomDlg::startAtYield()
     if (!enter())
         return;
     std::string error;
-    const std::optional<YieldPoint> yield = offsetYieldPoint(startSelectionCurve(*entered_), error);
+    const std::optional<int> yield = yieldIndex(error);
     if (!yield) {
         QMessageBox::warning(this, kCaption, QString::fromStdString(error));
         return;
     }
-    start_->setValue(yield->index);
+    start_->setValue(*yield);
 }
 
 void CPlasticRoomDlg::finishFit(const TensileFit& fit)
@@ -736,11 +740,14 @@ void CPlasticRoomDlg::setRunning(bool running)
 {
     progress_->setVisible(running);
     cancel_->setVisible(running);
+    // Only Stop fit while a fit runs: the record it reads stays as it was given.
     for (QWidget* input : std::initializer_list<QWidget*>{inputKind_, points_, diameter_, gaugeLength_, lengthUnit_,
-                                                          forceUnit_, slider_, start_, laws_, weighted_,
-                                                          neckingConstraint_, options_, fracture_, writeJob_,
-                                                          readResult_})
+                                                          forceUnit_, slider_, start_, yieldButton_, laws_, compare_,
+                                                          weighted_, neckingConstraint_, options_, fracture_,
+                                                          writeJob_, readResult_, ok_})
         input->setEnabled(!running);
+    for (QAbstractButton* choice : placed_->buttons())
+        choice->setEnabled(!running);
     if (!running)
         showPlacedPoint();
 }
@@ -755,13 +762,13 @@ bool CPlasticRoomDlg::importCurve(const QString& path)
 {
     std::string error;
     const std::optional<std::string> bytes = readFileBytes(path.toStdString(), error, kMaxCurveFileBytes);
-    std::optional<Curve> curve;
-    if (bytes)
-        curve = readCurveText(*bytes, error);
-    if (curve && curve->size() > kMaxTableRows)
+    std::optional<Curve> curve = bytes ? readCurveText(*bytes, error) : std::nullopt;
+    if (curve && curve->size() > kMaxTableRows) {
         error = formatText("the curve has %zu points; this screen takes at most %zu (zelko-mat-cli fit-cold takes more)",
                            curve->size(), kMaxTableRows);
-    if (!curve || curve->size() > kMaxTableRows) {
+        curve.reset();
+    }
+    if (!curve) {
         QMessageBox::warning(this, kCaption, path + QStringLiteral(": ") + fromUtf8(error));
         return false;
     }
@@ -845,7 +852,7 @@ bool CPlasticRoomDlg::readJobResult(const QString& jobFile)
     }
     material_ = std::move(*result.material);
     const auto* record = dynamic_cast<const RoomOri*>(material_.activeModel.get());
-    simulation_ = std::dynamic_pointer_cast<const PLASTIC_8>(record->heldModel->clone());
+    simulation_ = std::dynamic_pointer_cast<const PLASTIC_8>(record->heldModel);
     law_.reset();
     lastJob_ = jobFile;
     changed_ = true;

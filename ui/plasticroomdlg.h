@@ -87,6 +87,8 @@ private:
     void showPointHeaders();
     bool enter();
     void placePoint(int index);
+    void placeStart(int index);
+    std::optional<int> yieldIndex(std::string& error) const;
     void showPlacedPoint();
     void resetPlacedPoints();
     void refreshCurve();
@@ -136,6 +138,8 @@ private:
     QCheckBox* weighted_ = nullptr;
     QCheckBox* neckingConstraint_ = nullptr;
     QPushButton* options_ = nullptr;
+    QPushButton* compare_ = nullptr;
+    QPushButton* ok_ = nullptr;
     QPushButton* fracture_ = nullptr;
     QPushButton* writeJob_ = nullptr;
     QPushButton* readResult_ = nullptr;

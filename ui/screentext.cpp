@@ -28,6 +28,15 @@ QString numberText(const char* format, double value)
     return QString::fromStdString(formatText(format, value));
 }
 
+QList<QPointF> pointList(const ChartPoints& points)
+{
+    QList<QPointF> list;
+    list.reserve(static_cast<qsizetype>(points.size()));
+    for (std::size_t i = 0; i < points.size(); ++i)
+        list.append(QPointF(points.x[i], points.y[i]));
+    return list;
+}
+
 QDialogButtonBox* okCancelButtons(QDialog* dialog)
 {
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, dialog);

@@ -2,10 +2,14 @@
 // Small bridges between the engine's texts and numbers and the widgets: the
 // engine formats and parses (locale-free), the screens only show the result.
 
+#include <QList>
+#include <QPointF>
 #include <QString>
 
 #include <optional>
 #include <string>
+
+#include "material/tensileview.h"
 
 class QDialog;
 class QDialogButtonBox;
@@ -23,6 +27,8 @@ QString fieldText(double value);
 std::optional<double> fieldNumber(const QString& text);
 // printf-style formatting of one value through the engine ("%g", "%.7f", ...).
 QString numberText(const char* format, double value);
+// The engine's curve points as a chart series takes them.
+QList<QPointF> pointList(const zelko::ChartPoints& points);
 
 // OK and Cancel with fixed captions (a desktop theme's "&OK" would miss the
 // translation files), neither taking Enter, wired to accept and reject.

@@ -248,6 +248,12 @@ private slots:
             return fitTensileLaw(withOptions, *entered.record, ColdLawId::Swift, settings, testEnvironment());
         }();
         QCOMPARE(text.toStdString(), expected.text);
+
+        // A point placed after the fit still reaches the record on OK.
+        dialog.findChild<QRadioButton*>(QStringLiteral("placed1"))->click();  // the last point
+        pressOk(&dialog);
+        QCOMPARE(recordOf(dialog.material())->endIndex, 458);
+        QCOMPARE(recordOf(dialog.material())->startIndex, 20);
     }
 
     // Every law side by side; the row chosen is fitted and kept as a law chosen from the list is.
