@@ -57,7 +57,6 @@ CHotCompDlg::CHotCompDlg(const Project& material, const Environment& environment
     if (const HotDataSet* stored = hotDataSetOf(material_))
         dataSet_ = *stored;
     groups_ = {itemsOf(dataSet_.strainRates), itemsOf(dataSet_.temperatures), itemsOf(dataSet_.strains)};
-    groupsApplied_ = !dataSet_.curves.empty();
     run_ = new zelko::ui::BackgroundRun(this);
 
     auto* sides = new QHBoxLayout;
@@ -259,7 +258,6 @@ void CHotCompDlg::addGroupValue(HotGroup group)
         message(fromView(refusal));
         return;
     }
-    groupsApplied_ = false;
     showGroups();
     field->clear();
 }
@@ -267,11 +265,15 @@ void CHotCompDlg::addGroupValue(HotGroup group)
 void CHotCompDlg::applyGroups()
 {
     const std::string_view refusal = zelko::applyGroups(dataSet_, groups_[0], groups_[1], groups_[2]);
-    if (!refusal.empty()) {
+    if (!refusal.empty())
         message(fromView(refusal));
-        return;
-    }
-    groupsApplied_ = true;
+}
+
+bool CHotCompDlg::groupsApplied() const
+{
+    // The cells follow the lists the data set holds; a value added since is not in them.
+    return !dataSet_.curves.empty() && itemsOf(dataSet_.strainRates) == groups_[0]
+           && itemsOf(dataSet_.temperatures) == groups_[1] && itemsOf(dataSet_.strains) == groups_[2];
 }
 
 CurveSelection CHotCompDlg::selection() const
@@ -309,7 +311,7 @@ bool CHotCompDlg::readStrainOffset(double& offset)
 void CHotCompDlg::showCurve()
 {
     const CurveSelection chosen = selection();
-    if (!groupsApplied_) {
+    if (!groupsApplied()) {
         message(QStringLiteral("Apply the groups first: the cells follow the lists as they were applied."));
         return;
     }
@@ -325,7 +327,7 @@ void CHotCompDlg::showCurve()
 
 void CHotCompDlg::importRawData()
 {
-    if (!groupsApplied_) {
+    if (!groupsApplied()) {
         message(QStringLiteral("Apply the groups first: the cells follow the lists as they were applied."));
         return;
     }
@@ -372,7 +374,6 @@ bool CHotCompDlg::importCsv(const QString& path)
     read->strains = defaultSampleStrains(*read);
     dataSet_ = std::move(*read);
     groups_ = {itemsOf(dataSet_.strainRates), itemsOf(dataSet_.temperatures), itemsOf(dataSet_.strains)};
-    groupsApplied_ = true;
     showDataSet();
     return true;
 }
@@ -381,9 +382,9 @@ void CHotCompDlg::fit()
 {
     if (run_->running())
         return;
-    if (!groupsApplied_)
+    if (!groupsApplied())
         applyGroups();
-    if (!groupsApplied_)
+    if (!groupsApplied())
         return;
     const int index = type_->currentIndex();
     const std::optional<HotModelId> id = modelIdOfTypeIndex(index);

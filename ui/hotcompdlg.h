@@ -54,6 +54,7 @@ private:
     QWidget* makeRawData();
     QWidget* makeFitSide();
     void showGroups();
+    bool groupsApplied() const;
     void showDataSet();
     zelko::RawCurveLayout layout() const;
     bool readStrainOffset(double& offset);
@@ -69,7 +70,6 @@ private:
     zelko::HotDataSet dataSet_;
     zelko::HotFitOptions options_;
     std::array<zelko::GroupItems, 3> groups_;  // by HotGroup
-    bool groupsApplied_ = false;
     bool hasFit_ = false;  // OK takes a fitted model only
 
     std::array<QListWidget*, 3> lists_{};

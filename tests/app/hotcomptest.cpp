@@ -150,6 +150,11 @@ private slots:
         addValue(dialog, HotGroup::Temperature, "temperaturesValue", QStringLiteral("-20"));
         addValue(dialog, HotGroup::Temperature, "temperaturesValue", QStringLiteral("1100"));
         addValue(dialog, HotGroup::Strain, "strainsValue", QStringLiteral("0.1"));
+        // Cells follow the lists as applied: an import before Apply groups is refused.
+        QString said;
+        readNextMessage(said, &dialog);
+        dialog.importRawData();
+        QTRY_VERIFY(said.startsWith(QStringLiteral("Apply the groups first")));
         dialog.applyGroups();
 
         dialog.findChild<QListWidget*>(QStringLiteral("strainRates"))->item(1)->setSelected(true);
