@@ -8,13 +8,6 @@ namespace zelko::ui {
 
 BackgroundRun::BackgroundRun(QObject* parent) : QObject(parent) {}
 
-BackgroundRun::~BackgroundRun()
-{
-    // jthread's destructor asks the run to stop and joins it; what it sends after
-    // this object is gone is dropped by Qt with the object.
-    cancel();
-}
-
 bool BackgroundRun::start(Work work)
 {
     if (running_)

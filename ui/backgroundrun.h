@@ -17,8 +17,9 @@ class BackgroundRun : public QObject {
     Q_OBJECT
 public:
     explicit BackgroundRun(QObject* parent = nullptr);
-    // Stops a run still going and waits for it: nothing it found is delivered.
-    ~BackgroundRun() override;
+    // A run still going is stopped and waited for (the thread's own destructor
+    // does both); nothing it found is delivered.
+    ~BackgroundRun() override = default;
 
     // The work runs on its own thread with a control that reports progress and
     // stops on cancel(); the closure it returns runs on the interface thread
