@@ -32,7 +32,7 @@ ChartPoints measuredPoints(const RoomOri& record, CurveForm form)
     return rebuilt ? fromCurve(*rebuilt) : ChartPoints{};
 }
 
-ChartPoints fittedPoints(const ColdLaw& law, const RoomOri& record, CurveForm form)
+ChartPoints lawPoints(const ColdLaw& law, const RoomOri& record, CurveForm form)
 {
     ChartPoints points;
     if (law.parameters.size() != law.parameterCount())

@@ -25,7 +25,7 @@ ChartPoints measuredPoints(const RoomOri& record, CurveForm form);
 
 // The law at the strains of its fitted points; as engineering stress-strain it
 // is taken back through the record's engineering strains.
-ChartPoints fittedPoints(const ColdLaw& law, const RoomOri& record, CurveForm form);
+ChartPoints lawPoints(const ColdLaw& law, const RoomOri& record, CurveForm form);
 
 // The flow curve the tensile solver identified (true stress-strain).
 ChartPoints identifiedPoints(const PLASTIC_8& model);

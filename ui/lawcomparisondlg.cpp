@@ -83,7 +83,7 @@ CLawComparisonDlg::CLawComparisonDlg(const LawComparisonResult& result, const Ch
         cell(At05, numberText("%.1f", law.extrapolated[1]));
         cell(At10, numberText("%.1f", law.extrapolated[2]));
         cell(Stop, translateText(QString::fromLatin1(fitStopText(law.fitted->fitEnd.stop))));
-        chart_->addSeries(title, pointList(fittedPoints(*law.fitted, *law.fitted, CurveForm::True)),
+        chart_->addSeries(title, pointList(lawPoints(*law.fitted, *law.fitted, CurveForm::True)),
                           zelko::ui::SeriesRole::Model);
     }
     table_->resizeColumnsToContents();

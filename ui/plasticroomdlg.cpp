@@ -525,7 +525,7 @@ void CPlasticRoomDlg::refreshCurve()
     const auto form = static_cast<CurveForm>(curveForm_->checkedId());
     shown_.measured = measuredPoints(*entered_, form);
     if (law_) {
-        shown_.fitted = fittedPoints(*law_, *entered_, form);
+        shown_.fitted = lawPoints(*law_, *entered_, form);
         shown_.fittedName = QString::fromLatin1(coldLawTitle(static_cast<ColdLawId>(law_->modelNumber)));
     } else if (simulation_ && form == CurveForm::True) {
         shown_.fitted = identifiedPoints(*simulation_);

@@ -8,6 +8,7 @@
 #include "hot/plastic_hot.h"
 #include "material/document.h"
 #include "material/tensilechain.h"
+#include "material/tensileview.h"
 #include "temporaryfolder.h"
 #include "testutil.h"
 
@@ -193,6 +194,44 @@ TEST(TensileChain, AJobResultWithoutAUsableCurveGivesNoMaterial)
     const TensileResult result = readTensileJobResult(material, *entered.record, folder.path() / "run1.tnsprj");
     EXPECT_FALSE(result.material);
     EXPECT_EQ(result.status, TensileResultStatus::NoUsableCurve);
+}
+
+}  // namespace
+}  // namespace zelko
+
+namespace zelko {
+namespace {
+
+// The screen draws the law over the measured curve in either form; taken back to
+// engineering terms the law must still lie on the measured points it was fitted to.
+TEST(TensileView, TheLawLiesOnTheMeasuredCurveInEitherForm)
+{
+    const test::TemporaryFolder folder;
+    const Project material = coldMaterial();
+    const EnteredTest entered = enterTensileTest(material, steel1045());
+    ASSERT_TRUE(entered.record) << entered.error;
+    TensileFitSettings settings;
+    settings.startIndex = kStart1045;
+    settings.method = FitMethod::LeastSquares;  // within a MPa of the curve
+    const TensileFit fit = fitTensileLaw(material, *entered.record, ColdLawId::VoceGeneral, settings,
+                                         folder.environment());
+    ASSERT_TRUE(fit.material) << fit.error;
+    const auto& record = dynamic_cast<const RoomOri&>(*fit.material->activeModel);
+
+    for (const CurveForm form : {CurveForm::True, CurveForm::Engineering}) {
+        SCOPED_TRACE(form == CurveForm::True ? "true" : "engineering");
+        const ChartPoints law = lawPoints(*fit.law, record, form);
+        const ChartPoints measured = measuredPoints(record, form);
+        const std::size_t offset = form == CurveForm::True ? 0 : static_cast<std::size_t>(kStart1045);
+        ASSERT_EQ(law.size(), static_cast<std::size_t>(record.neckingIndex - kStart1045 + 1));
+        ASSERT_LE(offset + law.size(), measured.size());
+        double worst = 0.0;
+        for (std::size_t i = 0; i < law.size(); ++i) {
+            EXPECT_EQ(law.x[i], measured.x[offset + i]);
+            worst = std::max(worst, std::abs(law.y[i] - measured.y[offset + i]));
+        }
+        EXPECT_LT(worst, 5.0);  // MPa; the law's RMSE is below 1
+    }
 }
 
 }  // namespace
