@@ -77,19 +77,6 @@ Json::Value rowsJson(const std::vector<ChosenRow>& rows)
     return json;
 }
 
-// A fit's stop in a table column.
-const char* stopWord(FitStop stop)
-{
-    switch (stop) {
-    case FitStop::Converged: return "converged";
-    case FitStop::AtBound: return "at bound";
-    case FitStop::IterationLimit: return "iterations";
-    case FitStop::StepFloor: return "step floor";
-    case FitStop::Cancelled: return "cancelled";
-    }
-    return "";
-}
-
 std::string comparisonText(const std::vector<LawComparison>& rows)
 {
     std::string text = formatText("%-4s %-15s %11s %11s %11s %11s %-6s %-10s %s\n", "rank", "law", "RMSE (MPa)",
@@ -104,7 +91,7 @@ std::string comparisonText(const std::vector<LawComparison>& rows)
         }
         text += formatText("%-4d %-15s %11.4g %11.5g %11.5g %11.5g %-6s %-10s %s\n", ++rank, name.c_str(), row.rmse,
                            row.extrapolated[0], row.extrapolated[1], row.extrapolated[2],
-                           row.hasLibraryBlock ? "yes" : "no", stopWord(row.fitted->fitEnd.stop), parameterList(row).c_str());
+                           row.hasLibraryBlock ? "yes" : "no", fitStopWord(row.fitted->fitEnd.stop), parameterList(row).c_str());
         for (const bool at : row.atBound)
             anyAtBound = anyAtBound || at;
     }

@@ -14,4 +14,16 @@ const char* fitStopText(FitStop stop)
     return "";
 }
 
+const char* fitStopWord(FitStop stop)
+{
+    switch (stop) {
+    case FitStop::Converged: return "converged";
+    case FitStop::AtBound: return "at bound";
+    case FitStop::IterationLimit: return "iterations";
+    case FitStop::StepFloor: return "step floor";
+    case FitStop::Cancelled: return "cancelled";
+    }
+    return "";
+}
+
 }  // namespace zelko

@@ -22,6 +22,8 @@ enum class FitStop {
 
 // The text the screens and the command-line tool show for a stop.
 const char* fitStopText(FitStop stop);
+// The same in a word or two, for a table column.
+const char* fitStopWord(FitStop stop);
 
 // Bit i set: parameter i at that bound.
 struct BoundFlags {

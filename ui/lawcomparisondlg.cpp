@@ -16,7 +16,8 @@ using zelko::ui::pointList;
 
 namespace {
 
-enum Column { Law, Error, Parameters, At01, At05, At10, LibraryBlock, Stop, Columns };
+// The parameters last: the widest column takes the room that is left.
+enum Column { Law, Error, At01, At05, At10, LibraryBlock, Stop, Parameters, Columns };
 
 // "Y0 = 612 MPa, s0 = 0.0031*, n = 0.2": '*' marks a parameter held at a bound.
 QString parameterText(const LawComparison& row)
@@ -47,10 +48,12 @@ CLawComparisonDlg::CLawComparisonDlg(const LawComparisonResult& result, const Ch
     table_ = new QTableWidget(static_cast<int>(rows_.size()), Columns, this);
     table_->setObjectName(QStringLiteral("comparison"));
     table_->setHorizontalHeaderLabels({QStringLiteral("Law"), QStringLiteral("RMSE [MPa]"),
-                                       QStringLiteral("Parameters"), QStringLiteral("Stress at 0.1"),
-                                       QStringLiteral("Stress at 0.5"), QStringLiteral("Stress at 1.0"),
-                                       QStringLiteral("Library block"), QStringLiteral("Stop")});
-    zelko::ui::setUpPointList(table_);
+                                       QStringLiteral("Stress at 0.1"), QStringLiteral("Stress at 0.5"),
+                                       QStringLiteral("Stress at 1.0"), QStringLiteral("Library block"),
+                                       QStringLiteral("Stop"), QStringLiteral("Parameters")});
+    const int rowHeight = zelko::ui::setUpPointList(table_);
+    // Every law in sight at once, with the header.
+    table_->setMinimumHeight(rowHeight * (static_cast<int>(rows_.size()) + 2));
     table_->setSelectionMode(QAbstractItemView::SingleSelection);
     table_->setEditTriggers(QAbstractItemView::NoEditTriggers);
 
@@ -59,8 +62,20 @@ CLawComparisonDlg::CLawComparisonDlg(const LawComparisonResult& result, const Ch
     chart_->setAxisTitles(QStringLiteral("Strain"), QStringLiteral("Stress [MPa]"));
     chart_->setAppearanceName(QStringLiteral("Nature"));
     chart_->setPaletteName(QStringLiteral("Vibrant"));
-    chart_->addSeries(measuredName, pointList(measured), zelko::ui::SeriesRole::Measured);
 
+    auto* buttons = zelko::ui::okCancelButtons(this);
+    buttons->button(QDialogButtonBox::Ok)->setText(QStringLiteral("Use this law"));
+    auto* split = new QSplitter(Qt::Vertical, this);
+    split->addWidget(table_);
+    split->addWidget(chart_);
+    split->setStretchFactor(1, 1);
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(split, 1);
+    layout->addWidget(buttons);
+    translateWindow(this, QStringLiteral("PlasticRoom"));
+    // Filled once the translation is loaded: the laws and the chart are named in the screen's language.
+    chart_->setAxisTitles(translateText(QStringLiteral("Strain")), translateText(QStringLiteral("Stress [MPa]")));
+    chart_->addSeries(measuredName, pointList(measured), zelko::ui::SeriesRole::Measured);
     for (int row = 0; row < static_cast<int>(rows_.size()); ++row) {
         const LawComparison& law = rows_[static_cast<std::size_t>(row)];
         const QString title = translateText(QString::fromLatin1(coldLawTitle(law.law)));
@@ -82,7 +97,7 @@ CLawComparisonDlg::CLawComparisonDlg(const LawComparisonResult& result, const Ch
         cell(At01, numberText("%.1f", law.extrapolated[0]));
         cell(At05, numberText("%.1f", law.extrapolated[1]));
         cell(At10, numberText("%.1f", law.extrapolated[2]));
-        cell(Stop, translateText(QString::fromLatin1(fitStopText(law.fitted->fitEnd.stop))));
+        cell(Stop, translateText(QString::fromLatin1(fitStopWord(law.fitted->fitEnd.stop))));
         chart_->addSeries(title, pointList(lawPoints(*law.fitted, *law.fitted, CurveForm::True)),
                           zelko::ui::SeriesRole::Model);
     }
@@ -91,19 +106,7 @@ CLawComparisonDlg::CLawComparisonDlg(const LawComparisonResult& result, const Ch
     if (!rows_.empty())
         table_->selectRow(0);
     connect(table_, &QTableWidget::cellDoubleClicked, this, [this] { accept(); });
-
-    auto* buttons = zelko::ui::okCancelButtons(this);
-    buttons->button(QDialogButtonBox::Ok)->setText(QStringLiteral("Use this law"));
-    auto* split = new QSplitter(Qt::Vertical, this);
-    split->addWidget(table_);
-    split->addWidget(chart_);
-    split->setStretchFactor(1, 1);
-    auto* layout = new QVBoxLayout(this);
-    layout->addWidget(split, 1);
-    layout->addWidget(buttons);
-    translateWindow(this, QStringLiteral("PlasticRoom"));
-    chart_->setAxisTitles(translateText(QStringLiteral("Strain")), translateText(QStringLiteral("Stress [MPa]")));
-    resize(1100, 720);
+    resize(1200, 720);
 }
 
 void CLawComparisonDlg::accept()

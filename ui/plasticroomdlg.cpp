@@ -376,6 +376,11 @@ void CPlasticRoomDlg::showRecord(const RoomOri& record)
     // Shared, not copied: a law holds its own true curve.
     law_ = std::dynamic_pointer_cast<const ColdLaw>(record.heldModel);
     simulation_ = std::dynamic_pointer_cast<const PLASTIC_8>(record.heldModel);
+    for (int position = 0; position < kColdLawListSize; ++position) {
+        const std::optional<ColdLawId> law = coldLawListEntry(position).law;
+        if ((law_ && law && static_cast<int>(*law) == law_->modelNumber) || (simulation_ && !law))
+            laws_->setCurrentRow(position);
+    }
     if (!test.curve.empty())
         refreshCurve();
 }

@@ -83,6 +83,11 @@ void saveTensileScreens(const zelko::Project& material, const zelko::Environment
     seen = false;
     saveNextModal(folder, QStringLiteral("tensile-fracture"), seen, &tensile);
     tensile.findChild<QPushButton*>(QStringLiteral("fractureCriteria"))->click();
+    // The material opened again: its record, curve and law as the screen shows them.
+    CPlasticRoomDlg reopened(tensile.material(), environment);
+    reopened.show();
+    waitFor([&] { return reopened.enteredRecord() != nullptr; });
+    save(reopened, folder, QStringLiteral("tensile-reopened"), false);
 }
 
 // The hot screen on the measured Gleeble series, Hensel-Spittel fitted.

@@ -450,6 +450,7 @@ private slots:
         CPlasticRoomDlg again(material, testEnvironment());
         again.show();
         QCOMPARE(again.findChild<QLineEdit*>(QStringLiteral("diameter"))->text(), QStringLiteral("10"));
+        QCOMPARE(again.findChild<QListWidget*>(QStringLiteral("laws"))->currentRow(), 3);  // the law it holds
         std::shared_ptr<const RoomOri> entered = again.enteredRecord();
         QVERIFY(entered);
         QCOMPARE(entered->curves[LoadDisplacement], recordOf(material)->curves[LoadDisplacement]);
