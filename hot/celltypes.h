@@ -19,6 +19,7 @@ public:
     bool fillCellCoefficients(const RunControl& control) override;
     // Interpolates the cells' laws (stresstable.h's interpolateCells).
     double evaluate(double strain, double strainRate, double temperature) const override;
+    bool hasLaw() const override { return true; }
 
     // What the last fill could not fit, a line a cell.
     const std::vector<std::string>& unfittedCells() const { return cellNotes_; }

@@ -23,6 +23,7 @@ public:
 
     bool writeLibraryBlock(TextWriter& out, int version) const override;
     double evaluate(double strain, double strainRate, double temperature) const override;
+    bool hasLaw() const override { return true; }
 };
 
 // The Hensel-Spittel fit: a new model 17 with the parameters of the descent from

@@ -77,6 +77,8 @@ public:
     // Flow stress (MPa) at a strain, strain rate (1/s) and temperature. The data
     // set alone interpolates its measured curves; each type evaluates its law.
     virtual double evaluate(double strain, double strainRate, double temperature) const;
+    // Whether evaluate is a law of the type's own (else it reads the measured curves).
+    virtual bool hasLaw() const { return false; }
 
     // The material reader's three-column flag is the hot flag of the block.
     bool hasThreeColumns() const { return hotFlag; }

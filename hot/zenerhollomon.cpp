@@ -231,4 +231,35 @@ HotFit fitZenerHollomon(const HotDataSet& dataSet, const RunControl& control)
     return fit;
 }
 
+namespace {
+
+// The order's constant in a grid column, const or not; null for another column.
+template <class Order>
+auto constantOf(Order& order, int column) -> decltype(&order.alpha)
+{
+    switch (column) {
+    case 1: return &order.alpha;
+    case 2: return &order.n;
+    case 3: return &order.Q;
+    case 4: return &order.lnA;
+    default: return nullptr;
+    }
+}
+
+}  // namespace
+
+void setOrderConstant(ZenerHollomonOrder& order, int column, double value)
+{
+    if (double* constant = constantOf(order, column)) {
+        *constant = value;
+        order.fitted = order.alpha > 0.0 && order.n > 0.0 && std::isfinite(order.Q) && std::isfinite(order.lnA);
+    }
+}
+
+double orderConstant(const ZenerHollomonOrder& order, int column)
+{
+    const double* constant = constantOf(order, column);
+    return constant ? *constant : 0.0;
+}
+
 }  // namespace zelko

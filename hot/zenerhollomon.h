@@ -28,6 +28,11 @@ struct ZenerHollomonOrder {
     bool fitted = false;
 };
 
+// A constant typed on the parameter screen (the grid's columns 1 to 4: α, n, Q,
+// ln A); the order takes part in the law while α and n are above 0.
+void setOrderConstant(ZenerHollomonOrder& order, int column, double value);
+double orderConstant(const ZenerHollomonOrder& order, int column);
+
 // The law with one order's constants; 0 where it has no value.
 double zenerHollomonStress(const ZenerHollomonOrder& order, double strainRate, double temperature);
 
@@ -37,6 +42,8 @@ public:
     PLASTIC_Zener_Hollomon() { modelNumber = 50; }
 
     double evaluate(double strain, double strainRate, double temperature) const override;
+
+    bool hasLaw() const override { return true; }
 
     std::vector<ZenerHollomonOrder> orders;  // one per sample strain
 };

@@ -6,16 +6,11 @@
 #include <vector>
 
 #include "cold/coldlaw.h"
+#include "material/chartpoints.h"
 #include "cold/plastic_8.h"
 #include "models/roomori.h"
 
 namespace zelko {
-
-struct ChartPoints {
-    std::vector<double> x;
-    std::vector<double> y;
-    std::size_t size() const { return x.size(); }
-};
 
 enum class CurveForm { Engineering, True };
 

@@ -22,7 +22,12 @@
 #include "hot/hotcsv.h"
 #include "hot/hotmodels.h"
 #include "material/hotchain.h"
+#include "hot/plastic_70.h"
+#include "hot/zenerhollomon.h"
 #include "ui/backgroundrun.h"
+#include "ui/hotchartdlg.h"
+#include "ui/model70dlg.h"
+#include "ui/zenerhollomondlg.h"
 #include "ui/screentext.h"
 
 using namespace zelko;
@@ -34,6 +39,9 @@ namespace {
 const QString kCaption = QStringLiteral("ZELKO_MAT");
 // The fit shows this much as soon as it starts.
 constexpr int kFitStartProgress = 5;
+// Items of the model choice.
+constexpr int kZenerHollomonModel = 2;
+constexpr int kModel70 = 3;
 
 QString fromView(std::string_view text) { return QString::fromUtf8(text.data(), static_cast<int>(text.size())); }
 
@@ -75,6 +83,9 @@ CHotCompDlg::CHotCompDlg(const Project& material, const Environment& environment
     connect(run_, &zelko::ui::BackgroundRun::runningChanged, this, &CHotCompDlg::setRunning);
     setRunning(false);
     showDataSet();
+    if (material_.activeModel && material_.activeModel->modelNumber == 70)
+        model_->setCurrentIndex(kModel70);
+    chooseModel(model_->currentIndex());
     translateWindow(this, QStringLiteral("PlasticHot"));
     resize(1100, 640);
 }
@@ -219,11 +230,27 @@ QWidget* CHotCompDlg::makeFitSide()
     auto* running = new QHBoxLayout;
     running->addWidget(progress_, 1);
     running->addWidget(stop_);
+
+    chart_ = new QPushButton(QStringLiteral("Chart"), group);
+    chart_->setObjectName(QStringLiteral("chart"));
+    parameters_ = new QPushButton(QStringLiteral("Parameters"), group);
+    parameters_->setObjectName(QStringLiteral("parameters"));
+    connect(chart_, &QPushButton::clicked, this, &CHotCompDlg::showChart);
+    connect(parameters_, &QPushButton::clicked, this, &CHotCompDlg::editParameters);
+    auto* views = new QHBoxLayout;
+    for (QPushButton* button : {chart_, parameters_}) {
+        button->setAutoDefault(false);
+        views->addWidget(button);
+    }
+    views->addStretch();
+    connect(model_, &QComboBox::currentIndexChanged, this, &CHotCompDlg::chooseModel);
+
     auto* layout = new QVBoxLayout(group);
     layout->addLayout(choices);
     layout->addLayout(commands);
     layout->addLayout(running);
     layout->addWidget(report_, 1);
+    layout->addLayout(views);
     return group;
 }
 
@@ -378,13 +405,18 @@ bool CHotCompDlg::importCsv(const QString& path)
     return true;
 }
 
-void CHotCompDlg::fit()
+bool CHotCompDlg::groupsReady()
 {
     if (run_->running())
-        return;
+        return false;
     if (!groupsApplied())
         applyGroups();
-    if (!groupsApplied())
+    return groupsApplied();
+}
+
+void CHotCompDlg::fit()
+{
+    if (!groupsReady())
         return;
     const int index = type_->currentIndex();
     const std::optional<HotModelId> id = modelIdOfTypeIndex(index);
@@ -423,10 +455,69 @@ void CHotCompDlg::finishFit(std::shared_ptr<PLASTIC_HOT> model, const std::strin
         return;
     }
     progress_->setValue(100);
+    takeModel(std::move(model), QString::fromStdString(report));
+}
+
+void CHotCompDlg::takeModel(std::shared_ptr<PLASTIC_HOT> model, const QString& report)
+{
     material_.setModel(std::move(model));
-    report_->setPlainText(QString::fromStdString(report));
+    report_->setPlainText(report);
     hasFit_ = true;
     ok_->setEnabled(true);
+}
+
+std::shared_ptr<const PLASTIC_HOT> CHotCompDlg::shownModel() const
+{
+    if (hasFit_)
+        if (auto fitted = std::dynamic_pointer_cast<const PLASTIC_HOT>(material_.activeModel))
+            return fitted;
+    return std::make_shared<PLASTIC_HOT>(dataSet_);
+}
+
+void CHotCompDlg::chooseModel(int index)
+{
+    // The type each model stands for: the per-cell table for raw data, then
+    // Hensel-Spittel and Zener-Hollomon; Model 70 has no fit and keeps the type.
+    static constexpr std::array<int, 3> kTypeOfModel = {0, 1, 12};
+    if (index >= 0 && index < static_cast<int>(kTypeOfModel.size()))
+        type_->setCurrentIndex(kTypeOfModel[static_cast<std::size_t>(index)]);
+    parameters_->setEnabled(index == kZenerHollomonModel || index == kModel70);
+}
+
+void CHotCompDlg::showChart()
+{
+    if (!groupsReady())
+        return;
+    zelko::ui::CDIALOG_GRAPH2D chart(shownModel(), this);
+    chart.exec();
+}
+
+void CHotCompDlg::editParameters()
+{
+    if (!groupsReady())
+        return;
+    const std::shared_ptr<const Plastic> held = material_.activeModel;
+    if (model_->currentIndex() == kModel70) {
+        auto start = std::dynamic_pointer_cast<const PLASTIC_70>(held);
+        auto model = start ? std::make_shared<PLASTIC_70>(*start) : newHotModel<PLASTIC_70>(dataSet_);
+        static_cast<PLASTIC_HOT&>(*model) = dataSet_;
+        model->modelNumber = 70;
+        zelko::ui::CDIALOG_INPUT_MATR70 screen(*model, this);
+        if (screen.exec() != QDialog::Accepted)
+            return;
+        takeModel(std::make_shared<PLASTIC_70>(screen.model()),
+                  translateText(QStringLiteral("Model 70: its 28 parameters go to the library entry.")));
+        return;
+    }
+    auto start = std::dynamic_pointer_cast<const PLASTIC_Zener_Hollomon>(held);
+    auto model = newHotModel<PLASTIC_Zener_Hollomon>(dataSet_);
+    if (start && start->strains == dataSet_.strains)
+        model->orders = start->orders;
+    zelko::ui::CDialogZenerHollomon screen(*model, this);
+    if (screen.exec() != QDialog::Accepted)
+        return;
+    takeModel(std::make_shared<PLASTIC_Zener_Hollomon>(screen.model()),
+              translateText(QStringLiteral("Zener-Hollomon constants for each sample strain.")));
 }
 
 bool CHotCompDlg::fitRunning() const { return run_->running(); }
@@ -435,7 +526,7 @@ void CHotCompDlg::cancelFit() { run_->cancel(); }
 
 void CHotCompDlg::editAdvanced()
 {
-    // The descent's settings; the rest of the advanced screen comes with the hot charts.
+    // The fit's settings: the descent's length and first step, the method and what least squares minimises.
     QDialog advanced(this);
     advanced.setObjectName(QStringLiteral("CHotCompAdvDlg"));
     advanced.setWindowTitle(QStringLiteral("Advanced"));
@@ -443,9 +534,27 @@ void CHotCompDlg::editAdvanced()
     iterations->setObjectName(QStringLiteral("maxIterations"));
     auto* step = new QLineEdit(zelko::ui::numberText("%.3f", options_.initialStep), &advanced);
     step->setObjectName(QStringLiteral("initialStep"));
+    auto* method = new QComboBox(&advanced);
+    method->setObjectName(QStringLiteral("method"));
+    // In the order of FitMethod, worded as the cold screen words them.
+    method->addItems({QStringLiteral("Steepest descent"), QStringLiteral("Least squares"),
+                      QStringLiteral("Steepest descent, then least squares")});
+    method->setCurrentIndex(static_cast<int>(options_.method));
+    auto* objective = new QComboBox(&advanced);
+    objective->setObjectName(QStringLiteral("objective"));
+    // In the order of HotObjective; least squares only (the descent minimises the stress error).
+    objective->addItems({QStringLiteral("Stress error"), QStringLiteral("Relative error (ln stress)")});
+    objective->setCurrentIndex(static_cast<int>(options_.objective));
+    const auto objectiveApplies = [method, objective] {
+        objective->setEnabled(method->currentIndex() != static_cast<int>(FitMethod::Descent));
+    };
+    objectiveApplies();
+    connect(method, &QComboBox::currentIndexChanged, &advanced, objectiveApplies);
     auto* form = new QFormLayout(&advanced);
     form->addRow(QStringLiteral("Maximum iterations"), iterations);
     form->addRow(QStringLiteral("Initial step"), step);
+    form->addRow(QStringLiteral("Method"), method);
+    form->addRow(QStringLiteral("Objective"), objective);
     form->addRow(zelko::ui::okCancelButtons(&advanced));
     ManagerTranslate translator;
     translator.translateWindow(&advanced, QStringLiteral("PlasticHotAdv"));
@@ -459,6 +568,8 @@ void CHotCompDlg::editAdvanced()
     }
     options_.maxIterations = static_cast<int>(*count);
     options_.initialStep = *first;
+    options_.method = static_cast<FitMethod>(method->currentIndex());
+    options_.objective = static_cast<HotObjective>(objective->currentIndex());
 }
 
 void CHotCompDlg::setRunning(bool running)
@@ -466,6 +577,9 @@ void CHotCompDlg::setRunning(bool running)
     progress_->setVisible(running || progress_->value() > 0);
     stop_->setVisible(running);
     fit_->setEnabled(!running);
+    chart_->setEnabled(!running);
+    parameters_->setEnabled(!running && (model_->currentIndex() == kZenerHollomonModel ||
+                                         model_->currentIndex() == kModel70));
     ok_->setEnabled(!running && hasFit_);
     for (QListWidget* list : lists_)
         list->setEnabled(!running);

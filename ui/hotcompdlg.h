@@ -45,6 +45,13 @@ public:
     void fit();
     bool fitRunning() const;
     void cancelFit();
+    // The model choice, which picks the type it stands for.
+    void chooseModel(int index);
+    // The curves and the model in the hot chart (modal).
+    void showChart();
+    // The parameter screen of Zener-Hollomon or Model 70, as the model choice says;
+    // an accepted screen puts its model in the material.
+    void editParameters();
 
     void accept() override;
     void reject() override;
@@ -55,6 +62,8 @@ private:
     QWidget* makeFitSide();
     void showGroups();
     bool groupsApplied() const;
+    // No fit running and the groups applied (applying them when they are not); false after a refusal.
+    bool groupsReady();
     void showDataSet();
     zelko::RawCurveLayout layout() const;
     bool readStrainOffset(double& offset);
@@ -62,6 +71,9 @@ private:
     void finishFit(std::shared_ptr<zelko::PLASTIC_HOT> model, const std::string& report, const std::string& error,
                    bool cancelled);
     void editAdvanced();
+    // The model the views show: the fitted one, else the data set alone.
+    std::shared_ptr<const zelko::PLASTIC_HOT> shownModel() const;
+    void takeModel(std::shared_ptr<zelko::PLASTIC_HOT> model, const QString& report);
     void setRunning(bool running);
     void message(const QString& text);
 
@@ -88,5 +100,7 @@ private:
     QPushButton* stop_ = nullptr;
     QPlainTextEdit* report_ = nullptr;
     QPushButton* ok_ = nullptr;
+    QPushButton* chart_ = nullptr;
+    QPushButton* parameters_ = nullptr;
     zelko::ui::BackgroundRun* run_ = nullptr;
 };

@@ -9,7 +9,7 @@
 #include <optional>
 #include <string>
 
-#include "material/tensileview.h"
+#include "material/chartpoints.h"
 
 class QDialog;
 class QDialogButtonBox;

@@ -34,19 +34,10 @@ using zelko::test::whenModalOpens;
 
 namespace {
 
-const QString kGleeble = QStringLiteral(ZELKO_TEST_DATA "/measured/hot-compression-medium-carbon-steel.csv");
+const QString& kGleeble = zelko::test::kGleebleSeries;
 constexpr int kHenselSpittelType = 1;
 
 
-
-// The engine's data set for the measured file, as fit-hot builds it.
-PLASTIC_HOT measuredDataSet()
-{
-    std::string error;
-    std::optional<PLASTIC_HOT> read = readHotCurvesCsv(fileBytes(kGleeble), HotCsvOptions{}, error);
-    read->strains = defaultSampleStrains(*read);
-    return *read;
-}
 
 QStringList listTexts(QDialog& dialog, const char* name)
 {
@@ -112,7 +103,7 @@ private slots:
         view->editPlastic();
 
         const HotCurvesFit expected =
-            fitHotCurves(Project(), measuredDataSet(), HotModelId::Type17, HotFitOptions{});
+            fitHotCurves(Project(), zelko::test::measuredHotDataSet(), HotModelId::Type17, HotFitOptions{});
         QVERIFY(expected.material);
         QCOMPARE(report.toStdString(), expected.fit.result.report);
         QCOMPARE(view->document().material().activeModel->modelNumber, 17);
@@ -127,7 +118,7 @@ private slots:
         const HotDataSet* stored = hotDataSetOf(reopened.material());
         QVERIFY(stored);
         // The file keeps every curve (its numbers rounded as the file writes them).
-        const PLASTIC_HOT measured = measuredDataSet();
+        const PLASTIC_HOT measured = zelko::test::measuredHotDataSet();
         QCOMPARE(stored->temperatures, measured.temperatures);
         QCOMPARE(stored->strainRates, measured.strainRates);
         QCOMPARE(stored->curves.size(), measured.curves.size());

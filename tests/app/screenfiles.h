@@ -1,5 +1,5 @@
 #pragma once
-// Files of the screen tests: bytes read back, and the folders a test's screens
+// Files of the screen tests: bytes read back, the measured hot series, and the folders a test's screens
 // use instead of the user's (the exchange folder comes from $ZELKO_TEMP, set by
 // the test before any screen reads it).
 
@@ -10,6 +10,7 @@
 
 #include "base/environment.h"
 #include "base/fileio.h"
+#include "hot/hotcsv.h"
 
 namespace zelko::test {
 
@@ -26,6 +27,19 @@ inline Environment testEnvironment()
     environment.exchangeFolder = std::filesystem::path(qgetenv("ZELKO_TEMP").toStdString());
     environment.tensileSolver = "/bin/true";
     return environment;
+}
+
+// The measured Gleeble series, and its data set as fit-hot builds it.
+inline const QString kGleebleSeries =
+    QStringLiteral(ZELKO_TEST_DATA "/measured/hot-compression-medium-carbon-steel.csv");
+inline PLASTIC_HOT measuredHotDataSet()
+{
+    std::string error;
+    std::optional<PLASTIC_HOT> read = readHotCurvesCsv(fileBytes(kGleebleSeries), HotCsvOptions{}, error);
+    if (!read)
+        return {};
+    read->strains = defaultSampleStrains(*read);
+    return *read;
 }
 
 }  // namespace zelko::test

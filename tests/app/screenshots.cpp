@@ -18,6 +18,7 @@
 #include "ui/elasticdlg.h"
 #include "ui/heatdlg.h"
 #include "ui/hotcompdlg.h"
+#include "ui/zenerhollomondlg.h"
 #include "ui/plasticroomdlg.h"
 #include "ui/listdatadlg.h"
 #include "ui/uisettings.h"
@@ -33,15 +34,18 @@ void save(QWidget& window, const QString& folder, const QString& name, bool fitT
     window.grab().save(folder + QLatin1Char('/') + name + QStringLiteral(".png"));
 }
 
-// The next modal window besides owner is grabbed, then closed.
-void saveNextModal(const QString& folder, const QString& name, bool& seen, QWidget* owner)
+// The next modal window besides owner is grabbed (after prepare, when given), then closed.
+void saveNextModal(const QString& folder, const QString& name, bool& seen, QWidget* owner,
+                   std::function<void(QDialog*)> prepare = {})
 {
-    QTimer::singleShot(20, [folder, name, &seen, owner] {
+    QTimer::singleShot(20, [folder, name, &seen, owner, prepare] {
         auto* modal = qobject_cast<QDialog*>(QApplication::activeModalWidget());
         if (!modal || modal == owner) {
-            saveNextModal(folder, name, seen, owner);
+            saveNextModal(folder, name, seen, owner, prepare);
             return;
         }
+        if (prepare)
+            prepare(modal);
         save(*modal, folder, name, qobject_cast<QMessageBox*>(modal) != nullptr);
         modal->reject();
         seen = true;
@@ -99,6 +103,24 @@ void saveHotScreens(const zelko::Project& material, const zelko::Environment& en
     hot.fit();
     waitFor([&] { return !hot.fitRunning(); });
     save(hot, folder, QStringLiteral("hot-fitted"), false);
+    bool seen = false;
+    saveNextModal(folder, QStringLiteral("hot-chart"), seen, &hot);
+    hot.showChart();
+    seen = false;
+    saveNextModal(folder, QStringLiteral("hot-advanced"), seen, &hot);
+    hot.findChild<QPushButton*>(QStringLiteral("advanced"))->click();
+    hot.findChild<QComboBox*>(QStringLiteral("model"))->setCurrentIndex(2);
+    seen = false;
+    saveNextModal(folder, QStringLiteral("hot-zener-hollomon"), seen, &hot, [](QDialog* modal) {
+        auto* screen = static_cast<zelko::ui::CDialogZenerHollomon*>(modal);
+        screen->fit();
+        waitFor([&] { return !screen->fitRunning(); });
+    });
+    hot.editParameters();
+    hot.findChild<QComboBox*>(QStringLiteral("model"))->setCurrentIndex(3);
+    seen = false;
+    saveNextModal(folder, QStringLiteral("hot-model70"), seen, &hot);
+    hot.editParameters();
 }
 
 }  // namespace

@@ -1,0 +1,269 @@
+// The views over the hot data set: the chart with its error table, Model 70's
+// parameter grid and the Zener-Hollomon grid, each reached from the hot screen
+// and checked against the engine and the files the material becomes.
+
+#include <QtTest>
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QHeaderView>
+#include <QListWidget>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTemporaryDir>
+#include <QTreeWidget>
+
+#include <cmath>
+
+#include "app/mainframe.h"
+#include "app/matview.h"
+#include "base/textfile.h"
+#include "hot/hotcsv.h"
+#include "hot/hotmodels.h"
+#include "hot/plastic_70.h"
+#include "hot/zenerhollomon.h"
+#include "material/hotview.h"
+#include "modalanswer.h"
+#include "screenfiles.h"
+#include "ui/hotchartdlg.h"
+#include "ui/hotcompdlg.h"
+#include "ui/listctrlext.h"
+#include "ui/model70dlg.h"
+#include "ui/zenerhollomondlg.h"
+
+using namespace zelko;
+using zelko::test::fileBytes;
+using zelko::test::pressOk;
+using zelko::test::testEnvironment;
+using zelko::test::whenModalOpens;
+using zelko::ui::CDIALOG_GRAPH2D;
+
+namespace {
+
+const QString& kGleeble = zelko::test::kGleebleSeries;
+
+std::shared_ptr<const PLASTIC_HOT> henselSpittel()
+{
+    static const auto fitted = fitHotModel(zelko::test::measuredHotDataSet(), HotModelId::Type17, {}).model;
+    return fitted;
+}
+
+QStringList seriesNames(const CDIALOG_GRAPH2D& chart)
+{
+    QStringList names;
+    for (int i = 0; i < chart.chartView()->seriesCount(); ++i)
+        names << chart.chartView()->seriesData(i).name;
+    return names;
+}
+
+}  // namespace
+
+class HotViewsTest : public QObject {
+    Q_OBJECT
+private slots:
+    void initTestCase()
+    {
+        QVERIFY(exchange_.isValid());
+        qputenv("ZELKO_TEMP", exchange_.path().toLocal8Bit());
+    }
+
+    // The lists choose the series, the switches the axis and what is drawn.
+    void chartFollowsTheLists()
+    {
+        CDIALOG_GRAPH2D chart(henselSpittel());
+        // At first: every temperature at the slowest rate, measured and model.
+        const QStringList first = seriesNames(chart);
+        QCOMPARE(first.size(), 10);
+        QCOMPARE(first[0], QStringLiteral("T:1050, R:0.001"));
+        QCOMPARE(first[1], first[0]);
+        QCOMPARE(chart.chartView()->seriesData(1).role, zelko::ui::SeriesRole::Model);
+        QCOMPARE(chart.chartView()->xTitle(), QStringLiteral("Strain"));
+
+        chart.selectRows(CDIALOG_GRAPH2D::List::Temperatures, {4});
+        chart.selectRows(CDIALOG_GRAPH2D::List::StrainRates, {0, 5});
+        QCOMPARE(seriesNames(chart), (QStringList{"T:1250, R:0.001", "T:1250, R:0.001", "T:1250, R:5",
+                                                  "T:1250, R:5"}));
+        chart.findChild<QCheckBox*>(QStringLiteral("model"))->setChecked(false);
+        QCOMPARE(chart.chartView()->seriesCount(), 2);
+        QVERIFY(!chart.chartView()->logarithmicX());
+
+        chart.findChild<QRadioButton*>(QStringLiteral("againstRate"))->setChecked(true);
+        QCOMPARE(chart.chartView()->xTitle(), QStringLiteral("Strain rate (1/s)"));
+        QVERIFY(chart.chartView()->logarithmicX());
+        const auto& rate = chart.chartView()->seriesData(0);
+        QVERIFY(rate.name.startsWith(QStringLiteral("T:1250, E:")));
+        QCOMPARE(rate.points.size(), 6);
+        QCOMPARE(rate.points.first().x(), 0.001);
+        chart.findChild<QCheckBox*>(QStringLiteral("logRate"))->setChecked(false);
+        QVERIFY(!chart.chartView()->logarithmicX());
+        chart.selectRows(CDIALOG_GRAPH2D::List::Strains, {});
+        QCOMPARE(chart.chartView()->seriesCount(), 0);
+    }
+
+    // The table is the engine's, its marks drawn, and its CSV export is the table.
+    void errorTableAndItsExport()
+    {
+        CDIALOG_GRAPH2D chart(henselSpittel());
+        const FitErrorTable expected = fitErrorTable(*henselSpittel());
+        const zelko::ui::CListCtrlExt* table = chart.errorTable();
+        QCOMPARE(table->rowCount(), static_cast<int>(expected.rows.size()));
+        QCOMPARE(table->rowCount(), static_cast<int>(henselSpittel()->strains.size() * 5 + 2));
+        QCOMPARE(table->cellText(table->rowCount() - 2, 0), QStringLiteral("Mean"));
+        QCOMPARE(table->cellText(table->rowCount() - 1, 0), QStringLiteral("Standard deviation"));
+        // The mean AARE is the mean of the rows shown.
+        double sum = 0.0;
+        for (int row = 0; row < table->rowCount() - 2; ++row)
+            sum += table->cellText(row, 3).toDouble();
+        QVERIFY(std::fabs(table->cellText(table->rowCount() - 2, 3).toDouble() - sum / (table->rowCount() - 2)) <
+                1e-4 * sum);
+        // Each check cell below 100 is red, and only those in that column.
+        const int check = static_cast<int>(expected.checkColumn);
+        int red = 0;
+        for (int row = 0; row < table->rowCount() - 2; ++row) {
+            const bool low = table->cellText(row, check).toDouble() < 100.0;
+            QCOMPARE(table->item(row, check)->background().color() == QColor(255, 0, 0), low);
+            red += low;
+        }
+        QVERIFY(red > 0);
+        QCOMPARE(chart.cellMarks(), expected.marks);
+
+        const QString csv = exchange_.filePath(QStringLiteral("errors.csv"));
+        QVERIFY(chart.saveCsv(csv));
+        const std::string bytes = fileBytes(csv);
+        const std::u16string text(reinterpret_cast<const char16_t*>(bytes.data() + 2), (bytes.size() - 2) / 2);
+        QVERIFY(QString::fromStdU16String(text).startsWith(QStringLiteral("No., Strain, Temperature, AARE (%), ")));
+        QCOMPARE(QString::fromStdU16String(text).count(QStringLiteral("\r\n")), table->rowCount() + 1);
+    }
+
+    // From the hot screen: Model 70's grid stores edits by its item table, and the
+    // library entry carries them.
+    void model70FromTheScreenToTheLibrary()
+    {
+        CMainFrame frame;
+        CMATView* view = frame.view();
+        view->newMaterial();
+        static_cast<QAbstractButton*>(view->findChild<QWidget*>(QStringLiteral("1004")))->click();
+        QString note;
+        whenModalOpens([&](QWidget* modal) {
+            auto* hot = qobject_cast<CHotCompDlg*>(modal);
+            QVERIFY(hot->importCsv(kGleeble));
+            auto* parameters = hot->findChild<QPushButton*>(QStringLiteral("parameters"));
+            QVERIFY(!parameters->isEnabled());
+            hot->findChild<QComboBox*>(QStringLiteral("model"))->setCurrentIndex(3);
+            QVERIFY(parameters->isEnabled());
+            whenModalOpens(
+                [&](QWidget* inner) {
+                    auto* grid = qobject_cast<zelko::ui::CDIALOG_INPUT_MATR70*>(inner);
+                    QVERIFY(grid);
+                    QCOMPARE(grid->item(7)->text(0), QStringLiteral("Beta11"));
+                    QCOMPARE(grid->item(7)->parent()->text(0), QStringLiteral("Beta1"));
+                    QCOMPARE(grid->item(7)->parent()->parent()->text(0), QStringLiteral("Stress1"));
+                    QVERIFY(grid->editItem(0, QStringLiteral("150")));
+                    QVERIFY(grid->note().isEmpty());
+                    QVERIFY(grid->editItem(7, QStringLiteral("2.5")));
+                    note = grid->note();
+                    QVERIFY(grid->editItem(27, QStringLiteral("7")));
+                    pressOk(grid);
+                },
+                hot);
+            hot->editParameters();
+            pressOk(hot);
+        });
+        view->editPlastic();
+        QCOMPARE(note, QStringLiteral("The value of Beta11 is stored in P4, the parameter g2 shows."));
+
+        const auto* model = dynamic_cast<const PLASTIC_70*>(view->document().material().activeModel.get());
+        QVERIFY(model);
+        QCOMPARE(model->modelParameters[0], 150.0);
+        QCOMPARE(model->modelParameters[4], 2.5);
+        QCOMPARE(model->modelParameters[7], 0.0);
+        QCOMPARE(model->modelParameters[24], 7.0);
+        QCOMPARE(model->modelParameters[27], 0.0);
+        QCOMPARE(model->temperatures.size(), std::size_t{5});
+
+        const QString library = exchange_.filePath(QStringLiteral("model70.z3dlib"));
+        QVERIFY(view->exportLibrary(library));
+        const std::string bytes = fileBytes(library);
+        const std::string block = formatText("%8d\r\n%30.4E\r\n%30.4E\r\n%30.4E\r\n%30.4E\r\n%30.4E\r\n", 70, 150.0,
+                                             0.0, 0.0, 0.0, 2.5);
+        QVERIFY2(bytes.find(block) != std::string::npos, bytes.c_str());
+    }
+
+    // The Zener-Hollomon grid: one row an order, fitted off the interface thread or typed.
+    void zenerHollomonGrid()
+    {
+        CHotCompDlg hot(Project(), testEnvironment());
+        QVERIFY(hot.importCsv(kGleeble));
+        hot.findChild<QComboBox*>(QStringLiteral("model"))->setCurrentIndex(2);
+        QCOMPARE(hot.findChild<QComboBox*>(QStringLiteral("type"))->currentIndex(), 12);
+        QString report;
+        whenModalOpens(
+            [&](QWidget* inner) {
+                auto* screen = qobject_cast<zelko::ui::CDialogZenerHollomon*>(inner);
+                QVERIFY(screen);
+                zelko::ui::CListCtrlExt* grid = screen->grid();
+                QCOMPARE(grid->rowCount(), static_cast<int>(hot.dataSet().strains.size()));
+                QStringList headers;
+                for (int c = 0; c < grid->columnCount(); ++c) {
+                    headers << grid->horizontalHeaderItem(c)->text();
+                    QCOMPARE(grid->columnWidth(c), 80);
+                }
+                QCOMPARE(headers, (QStringList{"Order", "alpha", "n", "Q", "lnA"}));
+                QVERIFY(grid->cellText(0, 1).isEmpty());
+                screen->fit();
+                QTRY_VERIFY_WITH_TIMEOUT(!screen->fitRunning(), 30000);
+                const HotFit expected = fitHotModel(hot.dataSet(), HotModelId::ZenerHollomon, {});
+                const auto& orders = dynamic_cast<const PLASTIC_Zener_Hollomon&>(*expected.model).orders;
+                QCOMPARE(grid->cellText(2, 2), QString::fromStdString(formatText("%g", orders[2].n)));
+                // A typed constant goes into its order.
+                grid->setCurrentCell(0, 1);
+                QVERIFY(grid->pasteText(QStringLiteral("0.0125")));
+                QCOMPARE(screen->model().orders[0].alpha, 0.0125);
+                report = screen->findChild<QPlainTextEdit*>(QStringLiteral("report"))->toPlainText();
+                pressOk(screen);
+            },
+            &hot);
+        hot.editParameters();
+        QVERIFY(report.contains(QStringLiteral("AARE")));
+        const auto* model = dynamic_cast<const PLASTIC_Zener_Hollomon*>(hot.material().activeModel.get());
+        QVERIFY(model);
+        QCOMPARE(model->orders[0].alpha, 0.0125);
+        QVERIFY(model->evaluate(0.3, 1.0, 1100.0) > 0.0);
+        QVERIFY(hot.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok)->isEnabled());
+    }
+
+    // The advanced screen's method and objective reach the fit.
+    void advancedMethodReachesTheFit()
+    {
+        CHotCompDlg hot(Project(), testEnvironment());
+        QVERIFY(hot.importCsv(kGleeble));
+        whenModalOpens(
+            [](QWidget* inner) {
+                auto* method = inner->findChild<QComboBox*>(QStringLiteral("method"));
+                auto* objective = inner->findChild<QComboBox*>(QStringLiteral("objective"));
+                QVERIFY(!objective->isEnabled());
+                method->setCurrentIndex(1);
+                QVERIFY(objective->isEnabled());
+                objective->setCurrentIndex(1);
+                pressOk(inner);
+            },
+            &hot);
+        hot.findChild<QPushButton*>(QStringLiteral("advanced"))->click();
+        hot.fit();
+        QTRY_VERIFY_WITH_TIMEOUT(!hot.fitRunning(), 30000);
+        HotFitOptions options;
+        options.method = FitMethod::LeastSquares;
+        options.objective = HotObjective::Relative;
+        const HotFit expected = fitHotModel(hot.dataSet(), HotModelId::Type17, options);
+        QCOMPARE(hot.findChild<QPlainTextEdit*>(QStringLiteral("report"))->toPlainText().toStdString(),
+                 expected.result.report);
+    }
+
+private:
+    QTemporaryDir exchange_;
+};
+
+QTEST_MAIN(HotViewsTest)
+#include "hotviewstest.moc"
