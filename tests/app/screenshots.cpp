@@ -58,40 +58,44 @@ void waitFor(const std::function<bool()>& done)
         QApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 50);
 }
 
-// The tensile screen on the measured AISI 1045 test: entered, then fitted with Swift's law.
-void saveTensileScreens(const zelko::Project& material, const zelko::Environment& environment, const QString& folder)
+// The tensile screen on a measured test (steel "1045" or "4130"): entered, then fitted with
+// Swift's law; the 1045 pictures are named "tensile-...", the others "tensile-<steel>-...".
+void saveTensileScreens(const zelko::Project& material, const zelko::Environment& environment, const QString& folder,
+                        const QString& steel)
 {
+    const QString prefix = steel == QLatin1String("1045") ? QStringLiteral("tensile-")
+                                                          : QStringLiteral("tensile-%1-").arg(steel);
     CPlasticRoomDlg tensile(material, environment);
-    tensile.importCurve(QStringLiteral(ZELKO_TEST_DATA "/measured/tensile-steel-1045.csv"));
+    tensile.importCurve(QStringLiteral(ZELKO_TEST_DATA "/measured/tensile-steel-%1.csv").arg(steel));
     tensile.findChild<QLineEdit*>(QStringLiteral("diameter"))->setText(QStringLiteral("10"));
     tensile.findChild<QLineEdit*>(QStringLiteral("gaugeLength"))->setText(QStringLiteral("75"));
     emit tensile.findChild<QLineEdit*>(QStringLiteral("gaugeLength"))->textEdited(QStringLiteral("75"));
     tensile.show();
     waitFor([&] { return tensile.enteredRecord() != nullptr; });
-    save(tensile, folder, QStringLiteral("tensile-entered"), false);
+    save(tensile, folder, prefix + QStringLiteral("entered"), false);
     bool seen = false;
-    saveNextModal(folder, QStringLiteral("tensile-result"), seen, &tensile);
+    saveNextModal(folder, prefix + QStringLiteral("result"), seen, &tensile);
     tensile.chooseLaw(1);
     waitFor([&] { return seen && !tensile.fitRunning(); });
-    save(tensile, folder, QStringLiteral("tensile-fitted"), false);
+    save(tensile, folder, prefix + QStringLiteral("fitted"), false);
     seen = false;
-    saveNextModal(folder, QStringLiteral("tensile-chart"), seen, &tensile);
+    saveNextModal(folder, prefix + QStringLiteral("chart"), seen, &tensile);
     tensile.findChild<QPushButton*>(QStringLiteral("openChart"))->click();
     seen = false;
-    saveNextModal(folder, QStringLiteral("tensile-compare"), seen, &tensile);
+    saveNextModal(folder, prefix + QStringLiteral("compare"), seen, &tensile);
     tensile.compareLaws();
     waitFor([&] { return seen && !tensile.fitRunning(); });
     seen = false;
-    saveNextModal(folder, QStringLiteral("tensile-options"), seen, &tensile);
+    saveNextModal(folder, prefix + QStringLiteral("options"), seen, &tensile);
     tensile.findChild<QPushButton*>(QStringLiteral("numericalOption"))->click();
     seen = false;
-    saveNextModal(folder, QStringLiteral("tensile-fracture"), seen, &tensile);
+    saveNextModal(folder, prefix + QStringLiteral("fracture"), seen, &tensile);
     tensile.findChild<QPushButton*>(QStringLiteral("fractureCriteria"))->click();
     // The material opened again: its record, curve and law as the screen shows them.
     CPlasticRoomDlg reopened(tensile.material(), environment);
     reopened.show();
     waitFor([&] { return reopened.enteredRecord() != nullptr; });
-    save(reopened, folder, QStringLiteral("tensile-reopened"), false);
+    save(reopened, folder, prefix + QStringLiteral("reopened"), false);
 }
 
 // The hot screen on the measured Gleeble series, Hensel-Spittel fitted.
@@ -161,7 +165,8 @@ int main(int argc, char* argv[])
     save(options, folder, QStringLiteral("options"));
     const zelko::Environment environment = frame.view()->document().environment();
     // As the user meets them: the screens are translated when they open.
-    saveTensileScreens(zelko::Project(), environment, folder);
+    saveTensileScreens(zelko::Project(), environment, folder, QStringLiteral("1045"));
+    saveTensileScreens(zelko::Project(), environment, folder, QStringLiteral("4130"));
     saveHotScreens(zelko::Project(), environment, folder);
     return 0;
 }
