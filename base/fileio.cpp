@@ -283,6 +283,52 @@ std::optional<fs::path> PendingOutputs::reserve(const fs::path& path, std::strin
     return outputs_.back().temporary;
 }
 
+bool PendingOutputs::beginStream(const fs::path& path, std::string& error)
+{
+    const std::optional<fs::path> temporary = reserve(path, error);
+    if (!temporary)
+        return false;
+    // The temporary exists with its permissions; it is only filled here.
+    stream_ = std::make_unique<std::ofstream>(*temporary, std::ios::binary | std::ios::trunc);
+    if (!*stream_) {
+        error = kCannotWrite;
+        withdraw();
+        return false;
+    }
+    return true;
+}
+
+bool PendingOutputs::write(std::string_view bytes)
+{
+    if (!stream_ || !*stream_)
+        return false;
+    stream_->write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    return static_cast<bool>(*stream_);
+}
+
+bool PendingOutputs::endStream(std::string& error)
+{
+    if (!stream_)
+        return false;
+    stream_->close();
+    const bool written = static_cast<bool>(*stream_);
+    stream_.reset();
+    if (!written) {
+        error = kCannotWrite;
+        withdraw();
+    }
+    return written;
+}
+
+void PendingOutputs::withdraw()
+{
+    stream_.reset();
+    if (outputs_.empty())
+        return;
+    forget(outputs_.back());
+    outputs_.pop_back();
+}
+
 void PendingOutputs::forget(Output& output)
 {
     if (output.registration < 0 && output.temporary.empty())

@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <fstream>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -56,6 +58,14 @@ public:
     // replaces path on commit. Empty with a reason as for stage.
     std::optional<std::filesystem::path> reserve(const std::filesystem::path& path, std::string& error);
 
+    // A staged file filled piece by piece (a material too large to hold twice):
+    // write() appends to its temporary; false once a write failed, with the reason
+    // for error. withdraw() takes it back out, its temporary removed.
+    [[nodiscard]] bool beginStream(const std::filesystem::path& path, std::string& error);
+    bool write(std::string_view bytes);
+    [[nodiscard]] bool endStream(std::string& error);
+    void withdraw();
+
     // Renames every temporary over its target. When one fails, those already
     // replaced get their previous file back; error says why and failed names the
     // output (as given to stage).
@@ -74,6 +84,7 @@ private:
     void forget(Output& output);
 
     std::vector<Output> outputs_;
+    std::unique_ptr<std::ofstream> stream_;  // the last output's, while it is filled
 };
 
 }  // namespace zelko

@@ -116,6 +116,7 @@ void TextWriter::put(std::u16string_view text)
         text_.append(text);
         break;
     }
+    sendFullPiece();
 }
 
 void TextWriter::put(std::string_view text)
@@ -135,10 +136,28 @@ void TextWriter::put(std::string_view text)
         break;
     }
     }
+    sendFullPiece();
+}
+
+void TextWriter::streamTo(std::function<void(std::string_view)> sink)
+{
+    if (encoding_ != TextEncoding::Utf8Bom)
+        sink_ = std::move(sink);
+}
+
+void TextWriter::finish()
+{
+    if (!sink_ || encoded_.empty())
+        return;
+    sink_(encoded_);
+    encoded_.clear();
+    unmapped_.clear();
 }
 
 void TextWriter::reserve(std::size_t more)
 {
+    if (sink_)
+        more = std::min(more, kStreamPiece);  // a piece is sent on as soon as it is full
     switch (encoding_) {
     case TextEncoding::Utf16Le: encoded_.reserve(encoded_.size() + 2 * more); break;
     case TextEncoding::EightBit: encoded_.reserve(encoded_.size() + more); break;

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <memory>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -49,6 +50,13 @@ public:
     // that know their size.
     void reserve(std::size_t more);
 
+    // From now on the encoded bytes go on to sink in pieces of about kStreamPiece,
+    // so a large file is never held whole (UTF-16LE and 8-bit files); finish()
+    // sends the rest. text() and bytes() then hold only what was not sent yet.
+    static constexpr std::size_t kStreamPiece = std::size_t{1} << 20;
+    void streamTo(std::function<void(std::string_view)> sink);
+    void finish();
+
     // The text written so far, "\n" line ends.
     std::u16string text() const;
     TextEncoding encoding() const { return encoding_; }
@@ -66,6 +74,12 @@ private:
     // Where an 8-bit file got "?" for a character it has no code for, and the character.
     std::vector<std::pair<std::size_t, char16_t>> unmapped_;
     std::u16string text_;  // UTF-8 files
+    std::function<void(std::string_view)> sink_;
+    void sendFullPiece()
+    {
+        if (sink_ && encoded_.size() >= kStreamPiece)
+            finish();
+    }
 };
 
 // printf into a std::string (for formats that are part of a layout or a message).

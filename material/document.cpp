@@ -108,14 +108,33 @@ bool MaterialDocument::exportLibrary(const std::filesystem::path& path, bool& wr
 
 bool MaterialDocument::save(PendingOutputs& outputs, const std::filesystem::path& path, std::string& error) const
 {
-    const std::string bytes = materialFileBytes(material_);
-    if (bytes.size() > kMaxMaterialFileBytes) {
+    // Written as it is formatted: a material of a long curve is several times its
+    // text, and holding it whole doubled a save's memory.
+    if (!outputs.beginStream(path, error))
+        return false;
+    std::size_t size = 0;
+    bool written = true;
+    TextWriter out(TextEncoding::Utf16Le);
+    out.streamTo([&](std::string_view piece) {
+        size += piece.size();
+        // Past the reader's limit nothing more is written, only counted for the message.
+        written = written && size <= kMaxMaterialFileBytes && outputs.write(piece);
+    });
+    material_.WriteMaterialFile(out);
+    out.finish();
+    if (size > kMaxMaterialFileBytes) {
+        outputs.withdraw();
         constexpr double kMegabyte = 1024.0 * 1024.0;
-        error = formatMessage(MessageCode::MaterialTooLargeToRead, static_cast<double>(bytes.size()) / kMegabyte,
+        error = formatMessage(MessageCode::MaterialTooLargeToRead, static_cast<double>(size) / kMegabyte,
                               static_cast<double>(kMaxMaterialFileBytes) / kMegabyte);
         return false;
     }
-    return outputs.stage(path, bytes, error);
+    if (!written) {
+        outputs.withdraw();
+        error = "cannot write the file (disk full?)";
+        return false;
+    }
+    return outputs.endStream(error);
 }
 
 bool MaterialDocument::exportLibrary(PendingOutputs& outputs, const std::filesystem::path& path, bool& wroteModelBlock,

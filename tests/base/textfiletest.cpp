@@ -81,6 +81,33 @@ TEST(TextWriter, EncodesLongTextAcrossItsBlocksAndPieces)
     EXPECT_EQ(narrow.substr(narrow.size() - 5), "\xE9?\r\n?");
 }
 
+TEST(TextWriter, StreamedFileIsTheFileWrittenWholeInBoundedPieces)
+{
+    for (const TextEncoding encoding : {TextEncoding::Utf16Le, TextEncoding::EightBit}) {
+        TextWriter whole(encoding);
+        TextWriter streamed(encoding);
+        std::string sent;
+        std::size_t largest = 0;
+        int pieces = 0;
+        streamed.streamTo([&](std::string_view piece) {
+            sent.append(piece);
+            largest = std::max(largest, piece.size());
+            ++pieces;
+        });
+        for (TextWriter* out : {&whole, &streamed}) {
+            out->reserve(3'000'000);
+            for (int i = 0; i < 100'000; ++i)
+                out->format("    %.4E    %.4E\n", i * 0.001, 200.0 + i);
+            out->put(u"\u00e9nd\n");
+        }
+        streamed.finish();
+        EXPECT_GE(pieces, 3);
+        EXPECT_LT(largest, TextWriter::kStreamPiece + 100);
+        EXPECT_TRUE(streamed.bytes().empty());
+        EXPECT_TRUE(sameBytes(sent, whole.bytes()));
+    }
+}
+
 TEST(TextWriter, FormatsWithPrintfWidths)
 {
     TextWriter out;
