@@ -17,7 +17,8 @@ constexpr double kChordMadPerSigma = 0.6745 * 1.224744871391589;
 
 std::size_t halfWindow(std::size_t points)
 {
-    return std::max<std::size_t>(1, static_cast<std::size_t>(kMicrosWindowFraction * static_cast<double>(points)));
+    return std::clamp<std::size_t>(static_cast<std::size_t>(kMicrosWindowFraction * static_cast<double>(points)), 1,
+                                   kMicrosMaxHalfWindow);
 }
 
 // Where the smoothed stress first comes down to level after start, interpolated
@@ -99,13 +100,13 @@ std::vector<double> smoothedStresses(const HotCurve& curve)
             value = (value + *std::max_element(window.begin(), middle)) / 2.0;
         median[i] = value;
     }
+    std::vector<double> sums(n + 1, 0.0);
+    for (std::size_t i = 0; i < n; ++i)
+        sums[i + 1] = sums[i] + median[i];
     std::vector<double> mean(n);
     for (std::size_t i = 0; i < n; ++i) {
         const std::size_t first = i > k ? i - k : 0, last = std::min(n, i + k + 1);
-        double sum = 0.0;
-        for (std::size_t j = first; j < last; ++j)
-            sum += median[j];
-        mean[i] = sum / static_cast<double>(last - first);
+        mean[i] = (sums[last] - sums[first]) / static_cast<double>(last - first);
     }
     return mean;
 }

@@ -17,8 +17,11 @@ namespace zelko {
 
 // Shorter curves cannot show a rise, a peak and a fall.
 inline constexpr std::size_t kMicrosMinPoints = 5;
-// The smoothing window reaches this fraction of the points each side (at least one).
+// The smoothing window reaches this fraction of the points each side, at least
+// one and at most kMicrosMaxHalfWindow (a densely logged test is smoothed over a
+// short strain, not over a fiftieth of its points).
 inline constexpr double kMicrosWindowFraction = 0.01;
+inline constexpr std::size_t kMicrosMaxHalfWindow = 25;
 // A maximum is a peak only when the smoothed stress falls below it afterwards by
 // this fraction of it and by this many times the curve's scatter ...
 inline constexpr double kMicrosMinDrop = 0.01;
