@@ -24,7 +24,9 @@
 
 using namespace zelko;
 using zelko::test::answerMessage;
+using zelko::test::canCreateIn;
 using zelko::test::fileBytes;
+using zelko::test::filesIn;
 
 namespace {
 
@@ -35,20 +37,6 @@ PLASTIC_HOT measuredDataSet()
     std::string error;
     std::optional<PLASTIC_HOT> read = readHotCurvesCsv(fileBytes(kGleeble), HotCsvOptions{}, error);
     return read.value_or(PLASTIC_HOT{});
-}
-
-QStringList filesIn(const QString& folder)
-{
-    return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
-}
-
-bool canCreateIn(const QString& folder)
-{
-    QFile probe(folder + QStringLiteral("/.probe"));
-    if (!probe.open(QIODevice::WriteOnly))
-        return false;
-    probe.remove();
-    return true;
 }
 
 // The series' names and point counts, in the order drawn.
