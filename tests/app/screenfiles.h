@@ -4,7 +4,10 @@
 // the test before any screen reads it).
 
 #include <QByteArray>
+#include <QDir>
+#include <QFile>
 #include <QString>
+#include <QStringList>
 
 #include <string>
 
@@ -19,6 +22,22 @@ inline std::string fileBytes(const QString& path)
     std::string error;
     auto bytes = readFileBytes(std::filesystem::path(path.toStdU16String()), error);
     return bytes ? *bytes : std::string();
+}
+
+// Every entry of a folder, hidden ones too: what a failed save must leave as it was.
+inline QStringList filesIn(const QString& folder)
+{
+    return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+}
+
+// Whether this process can make a file there (root ignores a folder's permissions).
+inline bool canCreateIn(const QString& folder)
+{
+    QFile probe(folder + QStringLiteral("/.probe"));
+    if (!probe.open(QIODevice::WriteOnly))
+        return false;
+    probe.remove();
+    return true;
 }
 
 inline Environment testEnvironment()

@@ -18,6 +18,7 @@
 #include <memory>
 
 #include "app/modalanswer.h"
+#include "app/screenfiles.h"
 #include "ui/chartdialog.h"
 #include "ui/chartstyles.h"
 #include "ui/charttensiledlg.h"
@@ -25,6 +26,8 @@
 #include "ui/uisettings.h"
 
 using namespace zelko::ui;
+using zelko::test::canCreateIn;
+using zelko::test::filesIn;
 using zelko::test::whenModalOpens;
 
 namespace {
@@ -60,20 +63,6 @@ void answerSaveDialog(SaveAnswer* answer)
         dialog->selectFile(answer->path);
         static_cast<QDialog*>(dialog)->accept();
     });
-}
-
-QStringList filesIn(const QString& folder)
-{
-    return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
-}
-
-bool canCreateIn(const QString& folder)
-{
-    QFile probe(folder + QStringLiteral("/.probe"));
-    if (!probe.open(QIODevice::WriteOnly))
-        return false;
-    probe.remove();
-    return true;
 }
 
 // UTF-16LE bytes of ASCII text.
