@@ -14,7 +14,8 @@ namespace zelko {
 namespace {
 
 const char* const kSections[] = {"Main",        "Option",         "Language",          "Elastic",    "Heat",
-                                 "PlasticRoom", "PlasticRoomAdv", "Plastic8_advanced", "PlasticHot", "PlasticHotAdv"};
+                                 "PlasticRoom", "PlasticRoomAdv", "Plastic8_advanced", "PlasticHot", "PlasticHotAdv",
+                                 "ProcessingMap"};
 const char* const kLanguages[] = {"Korean", "Japanese"};
 
 std::filesystem::path installationFolder() { return std::filesystem::path(ZELKO_TEST_DATA).parent_path().parent_path(); }
