@@ -19,6 +19,8 @@
 #include "ui/heatdlg.h"
 #include "ui/hotcompdlg.h"
 #include "ui/plasticroomdlg.h"
+#include "ui/processingmapdlg.h"
+#include "ui/staticgnuplot.h"
 #include "ui/listdatadlg.h"
 #include "ui/uisettings.h"
 
@@ -99,6 +101,14 @@ void saveHotScreens(const zelko::Project& material, const zelko::Environment& en
     hot.fit();
     waitFor([&] { return !hot.fitRunning(); });
     save(hot, folder, QStringLiteral("hot-fitted"), false);
+    // The processing map of the measured curves as gnuplot draws it (an empty
+    // plot without gnuplot). The fitted law's efficiency varies by well under
+    // one contour step on this series, so its map shows no lines.
+    CDLG_PROCESSINGMAP map(hot.dataSet(), environment);
+    map.show();
+    map.draw();
+    waitFor([&] { return !map.mapRunning() && !map.plot()->drawing(); });
+    save(map, folder, QStringLiteral("processing-map"), false);
 }
 
 }  // namespace
