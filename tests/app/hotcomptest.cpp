@@ -28,25 +28,15 @@
 
 using namespace zelko;
 using zelko::test::fileBytes;
+using zelko::test::kGleeble;
+using zelko::test::measuredDataSet;
 using zelko::test::pressOk;
 using zelko::test::testEnvironment;
 using zelko::test::whenModalOpens;
 
 namespace {
 
-const QString kGleeble = QStringLiteral(ZELKO_TEST_DATA "/measured/hot-compression-medium-carbon-steel.csv");
 constexpr int kHenselSpittelType = 1;
-
-
-
-// The engine's data set for the measured file, as fit-hot builds it.
-PLASTIC_HOT measuredDataSet()
-{
-    std::string error;
-    std::optional<PLASTIC_HOT> read = readHotCurvesCsv(fileBytes(kGleeble), HotCsvOptions{}, error);
-    read->strains = defaultSampleStrains(*read);
-    return *read;
-}
 
 QStringList listTexts(QDialog& dialog, const char* name)
 {
@@ -223,12 +213,7 @@ private slots:
 
     void anExchangeFolderThatCannotBeMade()
     {
-        Environment blocked = testEnvironment();
-        const QString file = folder_.filePath(QStringLiteral("a-file"));
-        std::string error;
-        QVERIFY(saveFileAtomically(file.toStdString(), "x", error));
-        blocked.exchangeFolder = std::filesystem::path(file.toStdString()) / "ZELKO";
-        CHotCompDlg dialog(Project(), blocked);
+        CHotCompDlg dialog(Project(), zelko::test::unreachableExchange(folder_.path()));
         dialog.show();
         QVERIFY(dialog.importCsv(kGleeble));
         const HotDataSet before = dialog.dataSet();

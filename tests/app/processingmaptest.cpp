@@ -20,7 +20,6 @@
 #include <sys/stat.h>
 
 #include "base/fileio.h"
-#include "hot/hotcsv.h"
 #include "hot/hotmodels.h"
 #include "hot/processingmap.h"
 #include "material/hotchain.h"
@@ -32,25 +31,16 @@
 
 using namespace zelko;
 using zelko::test::fileBytes;
+using zelko::test::measuredDataSet;
 using zelko::test::testEnvironment;
-using zelko::test::whenModalOpens;
 
 namespace {
 
-const QString kGleeble = QStringLiteral(ZELKO_TEST_DATA "/measured/hot-compression-medium-carbon-steel.csv");
 constexpr int kMapWaitMs = 30000;
 // A gnuplot stuck this long is given up in the test; the screen's own limit is a minute.
 constexpr std::chrono::milliseconds kShortLimit{1000};
 const char* const kDataHeader = "# Temperature, Strain rate, power, instability\n";
 const char* const kScriptStart = "reset\nset multiplot layout 1, 2 title \"Processing map\" font \",20\" offset 0, -2\n";
-
-PLASTIC_HOT measuredDataSet()
-{
-    std::string error;
-    std::optional<PLASTIC_HOT> read = readHotCurvesCsv(fileBytes(kGleeble), HotCsvOptions{}, error);
-    read->strains = defaultSampleStrains(*read);
-    return *read;
-}
 
 // The files' lines end in CRLF, as gnuplot on Windows reads them.
 std::string withoutCr(std::string text)
@@ -241,12 +231,7 @@ private slots:
     // Files that can't be written: silent, and the screen draws again once they can.
     void anExchangeFolderThatCannotBeMade()
     {
-        Environment blocked = testEnvironment();
-        const QString file = folder_.filePath(QStringLiteral("a-file"));
-        std::string error;
-        QVERIFY(saveFileAtomically(file.toStdString(), "x", error));
-        blocked.exchangeFolder = std::filesystem::path(file.toStdString()) / "ZELKO";
-        CDLG_PROCESSINGMAP dialog(*model_, blocked);
+        CDLG_PROCESSINGMAP dialog(*model_, zelko::test::unreachableExchange(folder_.path()));
         dialog.show();
         QVERIFY(drawAndWait(dialog));
         QTest::qWait(50);
