@@ -31,8 +31,6 @@ namespace {
 
 constexpr std::string_view kOutput = "-o";
 constexpr std::string_view kExport = "--export";
-// A contour every 0.1 % of efficiency is already more than a map can show.
-constexpr double kSmallestContourStep = 0.1;
 constexpr int kMapPictureWidth = 1200;
 constexpr int kMapPictureHeight = 600;
 

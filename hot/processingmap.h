@@ -23,6 +23,10 @@ inline constexpr int kMapNodesPerInterval = 50;
 // entries a map is refused (30 temperatures, 9 rates and 15 strains make 8.7 million).
 inline constexpr std::size_t kMaxProcessingMapEntries = 12'000'000;
 
+// A contour every 0.1 % of efficiency is already more than a map can show;
+// steps are taken from there up to 100 (percent).
+inline constexpr double kSmallestContourStep = 0.1;
+
 enum MapFlag : signed char { kStable = 1, kNoSensitivity = -1, kUnstable = -2 };
 
 // The model's evaluation takes nearly all of a map's time: its share of the progress.

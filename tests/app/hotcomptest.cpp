@@ -28,16 +28,15 @@
 
 using namespace zelko;
 using zelko::test::fileBytes;
+using zelko::test::kGleeble;
+using zelko::test::measuredDataSet;
 using zelko::test::pressOk;
 using zelko::test::testEnvironment;
 using zelko::test::whenModalOpens;
 
 namespace {
 
-const QString& kGleeble = zelko::test::kGleebleSeries;
 constexpr int kHenselSpittelType = 1;
-
-
 
 QStringList listTexts(QDialog& dialog, const char* name)
 {
@@ -103,7 +102,7 @@ private slots:
         view->editPlastic();
 
         const HotCurvesFit expected =
-            fitHotCurves(Project(), zelko::test::measuredHotDataSet(), HotModelId::Type17, HotFitOptions{});
+            fitHotCurves(Project(), measuredDataSet(), HotModelId::Type17, HotFitOptions{});
         QVERIFY(expected.material);
         QCOMPARE(report.toStdString(), expected.fit.result.report);
         QCOMPARE(view->document().material().activeModel->modelNumber, 17);
@@ -118,7 +117,7 @@ private slots:
         const HotDataSet* stored = hotDataSetOf(reopened.material());
         QVERIFY(stored);
         // The file keeps every curve (its numbers rounded as the file writes them).
-        const PLASTIC_HOT measured = zelko::test::measuredHotDataSet();
+        const PLASTIC_HOT measured = measuredDataSet();
         QCOMPARE(stored->temperatures, measured.temperatures);
         QCOMPARE(stored->strainRates, measured.strainRates);
         QCOMPARE(stored->curves.size(), measured.curves.size());
@@ -214,12 +213,7 @@ private slots:
 
     void anExchangeFolderThatCannotBeMade()
     {
-        Environment blocked = testEnvironment();
-        const QString file = folder_.filePath(QStringLiteral("a-file"));
-        std::string error;
-        QVERIFY(saveFileAtomically(file.toStdString(), "x", error));
-        blocked.exchangeFolder = std::filesystem::path(file.toStdString()) / "ZELKO";
-        CHotCompDlg dialog(Project(), blocked);
+        CHotCompDlg dialog(Project(), zelko::test::unreachableExchange(folder_.path()));
         dialog.show();
         QVERIFY(dialog.importCsv(kGleeble));
         const HotDataSet before = dialog.dataSet();

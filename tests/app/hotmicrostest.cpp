@@ -28,16 +28,11 @@ using zelko::test::canCreateIn;
 using zelko::test::fileBytes;
 using zelko::test::filesIn;
 
+using zelko::test::kGleeble;
+using zelko::test::measuredDataSet;
+
 namespace {
 
-const QString kGleeble = QStringLiteral(ZELKO_TEST_DATA "/measured/hot-compression-medium-carbon-steel.csv");
-
-PLASTIC_HOT measuredDataSet()
-{
-    std::string error;
-    std::optional<PLASTIC_HOT> read = readHotCurvesCsv(fileBytes(kGleeble), HotCsvOptions{}, error);
-    return read.value_or(PLASTIC_HOT{});
-}
 
 // The series' names and point counts, in the order drawn.
 QStringList seriesList(const zelko::ui::ChartView& chart)

@@ -35,6 +35,8 @@
 
 using namespace zelko;
 using zelko::test::fileBytes;
+using zelko::test::kGleeble;
+using zelko::test::measuredDataSet;
 using zelko::test::pressOk;
 using zelko::test::testEnvironment;
 using zelko::test::whenModalOpens;
@@ -42,11 +44,10 @@ using zelko::ui::CDIALOG_GRAPH2D;
 
 namespace {
 
-const QString& kGleeble = zelko::test::kGleebleSeries;
 
 std::shared_ptr<const PLASTIC_HOT> henselSpittel()
 {
-    static const auto fitted = fitHotModel(zelko::test::measuredHotDataSet(), HotModelId::Type17, {}).model;
+    static const auto fitted = fitHotModel(measuredDataSet(), HotModelId::Type17, {}).model;
     return fitted;
 }
 

@@ -49,16 +49,27 @@ inline Environment testEnvironment()
 }
 
 // The measured Gleeble series, and its data set as fit-hot builds it.
-inline const QString kGleebleSeries =
-    QStringLiteral(ZELKO_TEST_DATA "/measured/hot-compression-medium-carbon-steel.csv");
-inline PLASTIC_HOT measuredHotDataSet()
+inline const QString kGleeble = QStringLiteral(ZELKO_TEST_DATA "/measured/hot-compression-medium-carbon-steel.csv");
+inline PLASTIC_HOT measuredDataSet()
 {
     std::string error;
-    std::optional<PLASTIC_HOT> read = readHotCurvesCsv(fileBytes(kGleebleSeries), HotCsvOptions{}, error);
+    std::optional<PLASTIC_HOT> read = readHotCurvesCsv(fileBytes(kGleeble), HotCsvOptions{}, error);
     if (!read)
         return {};
     read->strains = defaultSampleStrains(*read);
     return *read;
+}
+
+// The test environment with an exchange folder that can't be made: a file
+// stands in the scratch folder where its parent should be.
+inline Environment unreachableExchange(const QString& scratchFolder)
+{
+    Environment blocked = testEnvironment();
+    const std::filesystem::path file = std::filesystem::path(scratchFolder.toStdString()) / "a-file";
+    std::string error;
+    saveFileAtomically(file, "x", error);
+    blocked.exchangeFolder = file / "ZELKO";
+    return blocked;
 }
 
 }  // namespace zelko::test

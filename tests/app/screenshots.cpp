@@ -20,6 +20,8 @@
 #include "ui/hotcompdlg.h"
 #include "ui/zenerhollomondlg.h"
 #include "ui/plasticroomdlg.h"
+#include "ui/processingmapdlg.h"
+#include "ui/staticgnuplot.h"
 #include "ui/listdatadlg.h"
 #include "ui/uisettings.h"
 
@@ -125,6 +127,14 @@ void saveHotScreens(const zelko::Project& material, const zelko::Environment& en
     seen = false;
     saveNextModal(folder, QStringLiteral("hot-model70"), seen, &hot);
     hot.editParameters();
+    // The processing map of the measured curves as gnuplot draws it (an empty
+    // plot without gnuplot). The fitted law's efficiency varies by well under
+    // one contour step on this series, so its map shows no lines.
+    CDLG_PROCESSINGMAP map(hot.dataSet(), environment);
+    map.show();
+    map.draw();
+    waitFor([&] { return !map.mapRunning() && !map.plot()->drawing(); });
+    save(map, folder, QStringLiteral("processing-map"), false);
 }
 
 }  // namespace

@@ -15,7 +15,7 @@ namespace {
 
 const char* const kSections[] = {"Main",        "Option",         "Language",          "Elastic",    "Heat",
                                  "PlasticRoom", "PlasticRoomAdv", "Plastic8_advanced", "PlasticHot", "PlasticHotAdv",
-                                 "PlasticHotMicros"};
+                                 "PlasticHotMicros", "ProcessingMap"};
 const char* const kLanguages[] = {"Korean", "Japanese"};
 
 std::filesystem::path installationFolder() { return std::filesystem::path(ZELKO_TEST_DATA).parent_path().parent_path(); }
