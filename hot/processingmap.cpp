@@ -335,4 +335,30 @@ RenderEnd renderProcessingMapPng(const ProcessingMap& map, std::size_t k, const 
     return end;
 }
 
+EfficiencyRange efficiencyRange(const ProcessingMap& map, std::size_t k)
+{
+    EfficiencyRange range;
+    if (k >= map.strains.size())
+        return range;
+    for (std::size_t j = 0; j < map.rateNodes(); ++j)
+        for (std::size_t i = 0; i < map.temperatureNodes(); ++i) {
+            const double eta = map.efficiency(j, i, k);
+            if (!std::isfinite(eta))
+                continue;
+            range.min = range.empty ? eta : std::min(range.min, eta);
+            range.max = range.empty ? eta : std::max(range.max, eta);
+            range.empty = false;
+        }
+    return range;
+}
+
+bool drawsNoContour(const EfficiencyRange& range, double contourStep)
+{
+    if (range.empty || !(contourStep > 0.0))
+        return true;
+    // Levels at 0, step, 2·step ... up to 100: none lies within [min, max].
+    const double firstLevel = std::ceil(std::max(range.min, 0.0) / contourStep) * contourStep;
+    return firstLevel > range.max || firstLevel > 100.0;
+}
+
 }  // namespace zelko

@@ -68,6 +68,17 @@ private:
 std::optional<ProcessingMap> computeProcessingMap(const PLASTIC_HOT& model, std::optional<std::size_t> onlyStrain,
                                                   std::string& error, const RunControl& control = {});
 
+// The smallest and largest efficiency (percent) over the grid at strain k, and
+// whether a contour step draws no line there (the range lies between two levels:
+// a law whose rate sensitivity does not change with rate draws an empty map).
+struct EfficiencyRange {
+    double min = 0.0;
+    double max = 0.0;
+    bool empty = true;  // no node
+};
+EfficiencyRange efficiencyRange(const ProcessingMap& map, std::size_t k);
+bool drawsNoContour(const EfficiencyRange& range, double contourStep);
+
 // printf's "%10.4f", appended; the data file has half a million lines of it.
 void appendFixed10(std::string& line, double value);
 // The same written from out, which has room for kFixed10Room characters; returns the end.

@@ -26,6 +26,8 @@
 #include "hot/zenerhollomon.h"
 #include "ui/backgroundrun.h"
 #include "ui/hotchartdlg.h"
+#include "ui/hotmicrosdlg.h"
+#include "ui/processingmapdlg.h"
 #include "ui/model70dlg.h"
 #include "ui/zenerhollomondlg.h"
 #include "ui/screentext.h"
@@ -237,8 +239,14 @@ QWidget* CHotCompDlg::makeFitSide()
     parameters_->setObjectName(QStringLiteral("parameters"));
     connect(chart_, &QPushButton::clicked, this, &CHotCompDlg::showChart);
     connect(parameters_, &QPushButton::clicked, this, &CHotCompDlg::editParameters);
+    map_ = new QPushButton(QStringLiteral("Processing map"), group);
+    map_->setObjectName(QStringLiteral("processingMap"));
+    peaks_ = new QPushButton(QStringLiteral("Peak and steady state"), group);
+    peaks_->setObjectName(QStringLiteral("peakSteady"));
+    connect(map_, &QPushButton::clicked, this, &CHotCompDlg::showProcessingMap);
+    connect(peaks_, &QPushButton::clicked, this, &CHotCompDlg::showPeakSteady);
     auto* views = new QHBoxLayout;
-    for (QPushButton* button : {chart_, parameters_}) {
+    for (QPushButton* button : {chart_, parameters_, map_, peaks_}) {
         button->setAutoDefault(false);
         views->addWidget(button);
     }
@@ -492,6 +500,22 @@ void CHotCompDlg::showChart()
     chart.exec();
 }
 
+void CHotCompDlg::showProcessingMap()
+{
+    if (!groupsReady())
+        return;
+    CDLG_PROCESSINGMAP map(*shownModel(), environment_, this);
+    map.exec();
+}
+
+void CHotCompDlg::showPeakSteady()
+{
+    if (!groupsReady())
+        return;
+    CDIALOG_HOT_MICROS peaks(dataSet_, this);
+    peaks.exec();
+}
+
 void CHotCompDlg::editParameters()
 {
     if (!groupsReady())
@@ -577,7 +601,8 @@ void CHotCompDlg::setRunning(bool running)
     progress_->setVisible(running || progress_->value() > 0);
     stop_->setVisible(running);
     fit_->setEnabled(!running);
-    chart_->setEnabled(!running);
+    for (QPushButton* view : {chart_, map_, peaks_})
+        view->setEnabled(!running);
     parameters_->setEnabled(!running && (model_->currentIndex() == kZenerHollomonModel ||
                                          model_->currentIndex() == kModel70));
     ok_->setEnabled(!running && hasFit_);

@@ -49,6 +49,9 @@ public:
     void chooseModel(int index);
     // The curves and the model in the hot chart (modal).
     void showChart();
+    // The processing map of the shown model, and the peaks and steady states of the curves (modal).
+    void showProcessingMap();
+    void showPeakSteady();
     // The parameter screen of Zener-Hollomon or Model 70, as the model choice says;
     // an accepted screen puts its model in the material.
     void editParameters();
@@ -102,5 +105,7 @@ private:
     QPushButton* ok_ = nullptr;
     QPushButton* chart_ = nullptr;
     QPushButton* parameters_ = nullptr;
+    QPushButton* map_ = nullptr;
+    QPushButton* peaks_ = nullptr;
     zelko::ui::BackgroundRun* run_ = nullptr;
 };

@@ -9,11 +9,13 @@
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QSplitter>
 #include <QTableWidget>
 #include <QVBoxLayout>
 #include <QXYSeries>
 
+#include <algorithm>
 #include <cmath>
 
 #include "base/fileio.h"
@@ -111,7 +113,12 @@ CDIALOG_HOT_MICROS::CDIALOG_HOT_MICROS(const HotDataSet& dataSet, QWidget* paren
     if (table_->rowCount() > 0)
         table_->selectRow(0);
     showChart();
-    resize(1200, 640);
+    // The table whole (its columns as wide as their texts), the chart in the rest.
+    int tableWidth = table_->frameWidth() * 2 + table_->verticalScrollBar()->sizeHint().width();
+    for (int column = 0; column < table_->columnCount(); ++column)
+        tableWidth += table_->columnWidth(column);
+    resize(std::max(1200, tableWidth + 620), 680);
+    split->setSizes({tableWidth, width() - tableWidth});
 }
 
 std::pair<std::size_t, std::size_t> CDIALOG_HOT_MICROS::cellOfRow(int row) const

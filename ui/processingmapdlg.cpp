@@ -4,6 +4,7 @@
 #include <QFormLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
+#include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QProgressBar>
@@ -80,8 +81,12 @@ CDLG_PROCESSINGMAP::CDLG_PROCESSINGMAP(const PLASTIC_HOT& model, const Environme
     buttons->button(QDialogButtonBox::Close)->setText(QStringLiteral("Close"));
     buttons->button(QDialogButtonBox::Close)->setAutoDefault(false);
     connect(buttons, &QDialogButtonBox::rejected, this, &CDLG_PROCESSINGMAP::reject);
+    note_ = new QLabel(this);
+    note_->setObjectName(QStringLiteral("note"));
+    note_->setWordWrap(true);
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(body, 1);
+    layout->addWidget(note_);
     layout->addWidget(buttons);
 
     connect(run_, &zelko::ui::BackgroundRun::progressed, progress_, &QProgressBar::setValue);
@@ -114,15 +119,29 @@ void CDLG_PROCESSINGMAP::draw()
             files = writeProcessingMapFiles(*map, 0, *model, step, folder, error);
         if (!files)
             return {};
-        return [this, script = files->script] { finishMap(script); };
+        const EfficiencyRange range = efficiencyRange(*map, 0);
+        return [this, script = files->script, range, step] { finishMap(script, range, step); };
     });
 }
 
-void CDLG_PROCESSINGMAP::finishMap(const std::filesystem::path& script)
+void CDLG_PROCESSINGMAP::finishMap(const std::filesystem::path& script, const EfficiencyRange& range, double step)
 {
     plot_->clear();
     plot_->load(script);
+    if (range.empty) {
+        note_->clear();
+        return;
+    }
+    const QString span = translateText(QStringLiteral("Efficiency from %1 % to %2 %."))
+                             .arg(zelko::ui::numberText("%.1f", range.min), zelko::ui::numberText("%.1f", range.max));
+    // An empty power map looks like a failure; say why it is empty.
+    note_->setText(drawsNoContour(range, step)
+                       ? span + QLatin1Char(' ') +
+                             translateText(QStringLiteral("No contour level falls in that range: try a smaller step."))
+                       : span);
 }
+
+QString CDLG_PROCESSINGMAP::note() const { return note_->text(); }
 
 bool CDLG_PROCESSINGMAP::mapRunning() const { return run_->running(); }
 

@@ -11,12 +11,14 @@
 
 #include "base/environment.h"
 #include "hot/plastic_hot.h"
+#include "hot/processingmap.h"
 #include "ui/managertranslate.h"
 
 class CStaticGNUPlot;
 class QLineEdit;
 class QListWidget;
 class QProgressBar;
+class QLabel;
 class QPushButton;
 
 namespace zelko::ui {
@@ -36,11 +38,13 @@ public:
     void cancelMap();
 
     CStaticGNUPlot* plot() const { return plot_; }
+    // The efficiency range of the map drawn, and a word when no contour level falls in it.
+    QString note() const;
 
     void reject() override;
 
 private:
-    void finishMap(const std::filesystem::path& script);
+    void finishMap(const std::filesystem::path& script, const zelko::EfficiencyRange& range, double step);
     void setRunning(bool running);
 
     // The run reads it on its own thread while the screen may be closed.
@@ -53,5 +57,6 @@ private:
     QProgressBar* progress_ = nullptr;
     QPushButton* cancel_ = nullptr;
     CStaticGNUPlot* plot_ = nullptr;
+    QLabel* note_ = nullptr;
     zelko::ui::BackgroundRun* run_ = nullptr;
 };

@@ -13,7 +13,9 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTemporaryDir>
+#include <QTableWidget>
 #include <QTreeWidget>
+#include <QDir>
 
 #include <cmath>
 
@@ -29,6 +31,9 @@
 #include "screenfiles.h"
 #include "ui/hotchartdlg.h"
 #include "ui/hotcompdlg.h"
+#include "ui/hotmicrosdlg.h"
+#include "ui/processingmapdlg.h"
+#include "ui/staticgnuplot.h"
 #include "ui/listctrlext.h"
 #include "ui/model70dlg.h"
 #include "ui/zenerhollomondlg.h"
@@ -190,6 +195,62 @@ private slots:
         const std::string block = formatText("%8d\r\n%30.4E\r\n%30.4E\r\n%30.4E\r\n%30.4E\r\n%30.4E\r\n", 70, 150.0,
                                              0.0, 0.0, 0.0, 2.5);
         QVERIFY2(bytes.find(block) != std::string::npos, bytes.c_str());
+    }
+
+    // Raw curves to a saved material, its library entry and its processing map, through the screens alone.
+    void fromRawCurvesToMaterialLibraryAndMap()
+    {
+        CMainFrame frame;
+        CMATView* view = frame.view();
+        view->newMaterial();
+        static_cast<QAbstractButton*>(view->findChild<QWidget*>(QStringLiteral("1004")))->click();
+        QSize picture;
+        QString mapNote;
+        int peakRows = 0;
+        whenModalOpens([&](QWidget* modal) {
+            auto* hot = qobject_cast<CHotCompDlg*>(modal);
+            QVERIFY(hot->importCsv(kGleeble));
+            hot->fit();
+            QTRY_VERIFY_WITH_TIMEOUT(!hot->fitRunning(), 30000);
+            whenModalOpens(
+                [&](QWidget* inner) {
+                    auto* map = qobject_cast<CDLG_PROCESSINGMAP*>(inner);
+                    QVERIFY(map);
+                    map->draw();
+                    QTRY_VERIFY_WITH_TIMEOUT(!map->mapRunning() && !map->plot()->drawing(), 30000);
+                    picture = map->plot()->picture().size();
+                    mapNote = map->note();
+                    map->reject();
+                },
+                hot);
+            hot->findChild<QPushButton*>(QStringLiteral("processingMap"))->click();
+            whenModalOpens(
+                [&](QWidget* inner) {
+                    auto* peaks = qobject_cast<CDIALOG_HOT_MICROS*>(inner);
+                    QVERIFY(peaks);
+                    peakRows = peaks->findChild<QTableWidget*>()->rowCount();
+                    peaks->reject();
+                },
+                hot);
+            hot->findChild<QPushButton*>(QStringLiteral("peakSteady"))->click();
+            pressOk(hot);
+        });
+        view->editPlastic();
+        QVERIFY(!picture.isEmpty());
+        // Hensel-Spittel's rate sensitivity does not change with rate: a flat power map, and the screen says so.
+        QVERIFY2(mapNote.contains(QStringLiteral("No contour level")), qPrintable(mapNote));
+        QCOMPARE(peakRows, 30);
+        const QDir exchange(exchange_.path());
+        QVERIFY(fileBytes(exchange.filePath(QStringLiteral("processing_map.dat")))
+                    .starts_with("# Temperature, Strain rate, power, instability\r\n"));
+        QVERIFY(fileBytes(exchange.filePath(QStringLiteral("processing_map.txt"))).starts_with("reset\r\n"));
+
+        const QString saved = exchange_.filePath(QStringLiteral("gleeble.zmat"));
+        const QString library = exchange_.filePath(QStringLiteral("gleeble.z3dlib"));
+        QVERIFY(view->saveFile(saved));
+        QVERIFY(view->exportLibrary(library));
+        QCOMPARE(view->document().material().activeModel->modelNumber, 17);
+        QVERIFY(fileBytes(library).find("\r\n      17\r\n") != std::string::npos);
     }
 
     // The Zener-Hollomon grid: one row an order, fitted off the interface thread or typed.

@@ -18,6 +18,7 @@
 #include "ui/elasticdlg.h"
 #include "ui/heatdlg.h"
 #include "ui/hotcompdlg.h"
+#include "ui/hotmicrosdlg.h"
 #include "ui/zenerhollomondlg.h"
 #include "ui/plasticroomdlg.h"
 #include "ui/processingmapdlg.h"
@@ -135,6 +136,15 @@ void saveHotScreens(const zelko::Project& material, const zelko::Environment& en
     map.draw();
     waitFor([&] { return !map.mapRunning() && !map.plot()->drawing(); });
     save(map, folder, QStringLiteral("processing-map"), false);
+    // The peaks and steady states, three cells at 1150 °C marked on the chart.
+    CDIALOG_HOT_MICROS peaks(hot.dataSet());
+    peaks.show();
+    peaks.table()->clearSelection();
+    peaks.table()->setSelectionMode(QAbstractItemView::MultiSelection);
+    for (const int row : {12, 13, 14})
+        peaks.table()->selectRow(row);
+    peaks.table()->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    save(peaks, folder, QStringLiteral("hot-peaks"), false);
 }
 
 }  // namespace

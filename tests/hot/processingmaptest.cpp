@@ -84,6 +84,22 @@ TEST(ProcessingMapValues, PowerLawGivesItsExponentEverywhere)
             }
 }
 
+TEST(ProcessingMapValues, AConstantSensitivityDrawsNoContourBetweenTwoLevels)
+{
+    // m = 0.25 everywhere: η = 40 % flat, on no level of step 15 (30, 45), on one of step 10.
+    const LawModel flat([](double, double rate, double T) { return (2000 - T) * std::pow(rate, 0.25); });
+    const EfficiencyRange range = efficiencyRange(mapOf(flat), 0);
+    ASSERT_FALSE(range.empty);
+    EXPECT_NEAR(range.min, 40.0, 0.5);
+    EXPECT_NEAR(range.max, 40.0, 0.5);
+    EXPECT_TRUE(drawsNoContour({range.min, range.max, false}, 15.0));
+    EXPECT_FALSE(drawsNoContour({39.0, 41.0, false}, 10.0));
+    EXPECT_FALSE(drawsNoContour({5.0, 60.0, false}, 15.0));
+    EXPECT_TRUE(drawsNoContour({101.0, 140.0, false}, 10.0));  // above the last level
+    EXPECT_TRUE(drawsNoContour({}, 10.0));
+    EXPECT_TRUE(efficiencyRange(mapOf(flat), 9).empty);
+}
+
 TEST(ProcessingMapValues, StressIsLinearInTemperatureBetweenTestTemperatures)
 {
     const auto law = [](double, double rate, double T) { return std::exp(-T / 100) * 1e6 * std::pow(rate, 0.1); };
