@@ -24,7 +24,10 @@
 #include "base/textfile.h"
 #include "hot/hotcsv.h"
 #include "hot/hotmodels.h"
+#include "hot/celltypes.h"
 #include "hot/plastic_70.h"
+#include "material/document.h"
+#include "material/hotchain.h"
 #include "hot/zenerhollomon.h"
 #include "material/hotview.h"
 #include "modalanswer.h"
@@ -251,6 +254,38 @@ private slots:
         QVERIFY(view->exportLibrary(library));
         QCOMPARE(view->document().material().activeModel->modelNumber, 17);
         QVERIFY(fileBytes(library).find("\r\n      17\r\n") != std::string::npos);
+    }
+
+    // "Raw data" picks the per-cell table (type 16): every cell fitted, the library entry one line a cell.
+    void perCellTypeThroughTheScreen()
+    {
+        CHotCompDlg hot(Project(), testEnvironment());
+        QVERIFY(hot.importCsv(kGleeble));
+        hot.findChild<QComboBox*>(QStringLiteral("model"))->setCurrentIndex(0);
+        QCOMPARE(hot.findChild<QComboBox*>(QStringLiteral("type"))->currentIndex(), 0);
+        hot.fit();
+        QTRY_VERIFY_WITH_TIMEOUT(!hot.fitRunning(), 30000);
+        const auto* fitted = dynamic_cast<const PLASTIC_16*>(hot.material().activeModel.get());
+        QVERIFY(fitted);
+        const HotCurvesFit expected = fitHotCurves(Project(), measuredDataSet(), HotModelId::Type16, {});
+        const auto& engine = dynamic_cast<const PLASTIC_16&>(*expected.material->activeModel);
+        QCOMPARE(fitted->cellCoefficients, engine.cellCoefficients);
+
+        MaterialDocument document;
+        document.commit(hot.material());
+        const QString library = exchange_.filePath(QStringLiteral("type16.z3dlib"));
+        bool withBlock = false;
+        std::string error;
+        QVERIFY(document.exportLibrary(std::filesystem::path(library.toStdU16String()), withBlock, error));
+        QVERIFY(withBlock);
+        const std::string bytes = fileBytes(library);
+        const std::size_t head = bytes.find("\r\n      16\r\n");
+        QVERIFY(head != std::string::npos);
+        // The counts line, then a line for each of the 5 × 6 cells.
+        QVERIFY(bytes.find(formatText("%8d %8d %8d\r\n", 30, 6, 5), head) != std::string::npos);
+        const std::string firstCell = formatText("%30.4E %17.4E %17.4E %17.4E\r\n", 0.001, 1050.0,
+                                                 engine.cellCoefficients[0][0][0], engine.cellCoefficients[0][0][1]);
+        QVERIFY2(bytes.find(firstCell, head) != std::string::npos, firstCell.c_str());
     }
 
     // The Zener-Hollomon grid: one row an order, fitted off the interface thread or typed.
