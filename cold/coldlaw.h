@@ -63,11 +63,7 @@ class ColdLaw : public RoomOri {
 public:
     // The law keeps the record's settings and its true curve, the one it is fitted
     // to; the measured forms stay with the record alone.
-    explicit ColdLaw(const RoomOri& record) : RoomOri(record)
-    {
-        curves[LoadDisplacement] = Curve();
-        curves[EngineeringCurve] = Curve();
-    }
+    explicit ColdLaw(const RoomOri& record) : RoomOri(record, TrueCurve) {}
 
     // A copy of the law with its parameters and error (the record's held model).
     std::shared_ptr<ColdLaw> cloneLaw() const { return std::static_pointer_cast<ColdLaw>(clone()); }

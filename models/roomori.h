@@ -28,17 +28,8 @@ struct ParameterBound {
     double maximum = 0.0;
 };
 
-class RoomOri : public Plastic {
-public:
-    RoomOri() { modelKind = ColdModel; }
-    std::shared_ptr<Plastic> clone() const override { return cloneAs<RoomOri>(); }
-
-    void readMaterialBlock(TextReader& in, int major, int minor) override;
-    void writeMaterialBlock(TextWriter& out, int major, int minor) const override;
-
-    // The list of the entered kind; an empty one for a kind a damaged file named.
-    const Curve& inputCurve() const;
-
+// What a tensile record holds beside its curves.
+struct TensileRecordSettings {
     std::int32_t lengthUnit = 0;
     std::int32_t forceUnit = 0;
     bool recordFlag = false;
@@ -46,7 +37,6 @@ public:
     std::int32_t inputKind = LoadDisplacement;
     double diameter = 0.0;
     double gaugeLength = 0.0;
-    std::array<Curve, 3> curves;  // by input kind; the true curve is the one the laws fit
     double targetError = 1.0;
     std::int32_t maxIterations = 10000;
     double blockLeadValue = 0.0;
@@ -58,6 +48,27 @@ public:
     std::vector<ParameterBound> parameterBounds;
     std::uint32_t fixedParameters = 0;  // one bit per parameter
     bool automaticStart = true;
+};
+
+class RoomOri : public Plastic, public TensileRecordSettings {
+public:
+    RoomOri() { modelKind = ColdModel; }
+    // The record with one of its curves only; the others (a long test's load and
+    // engineering curves, tens of megabytes) are not copied.
+    RoomOri(const RoomOri& record, std::size_t keptCurve)
+        : Plastic(record), TensileRecordSettings(record)
+    {
+        curves.at(keptCurve) = record.curves[keptCurve];
+    }
+    std::shared_ptr<Plastic> clone() const override { return cloneAs<RoomOri>(); }
+
+    void readMaterialBlock(TextReader& in, int major, int minor) override;
+    void writeMaterialBlock(TextWriter& out, int major, int minor) const override;
+
+    // The list of the entered kind; an empty one for a kind a damaged file named.
+    const Curve& inputCurve() const;
+
+    std::array<Curve, 3> curves;  // by input kind; the true curve is the one the laws fit
 };
 
 }  // namespace zelko
