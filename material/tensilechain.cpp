@@ -141,9 +141,9 @@ LawComparisonResult compareTensileLaws(const RoomOri& entered, const TensileFitS
     // The settings go onto a copy of the record, as for a single fit. The laws
     // rebuild their curve from the engineering one: each fit's copy of the record
     // need not hold the load-displacement curve too.
-    RoomOri record = static_cast<const RoomOri&>(entered);
+    RoomOri record(entered, EngineeringCurve);
+    record.curves[TrueCurve] = entered.curves[TrueCurve];
     applySettings(settings, record);
-    Curve().swap(record.curves[LoadDisplacement]);
     return compareColdLaws(record, control, settings.method);
 }
 
