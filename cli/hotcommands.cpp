@@ -108,6 +108,24 @@ bool parseMethod(const ParsedArguments& args, HotFitOptions& options, std::strin
             return false;
         }
     }
+    if (const std::string* weighting = args.option("--weighting")) {
+        if (*weighting == "balanced")
+            options.weighting = HotWeighting::BalancedByStress;
+        else if (*weighting != "equal") {
+            error = "option '--weighting': '" + *weighting + "' is neither equal nor balanced";
+            return false;
+        }
+    }
+    if (args.option("--target-percent")) {
+        double percent = 0.0;
+        if (!numberOption(args, "--target-percent", percent, error))
+            return false;
+        if (percent < 0 || percent >= 100) {
+            error = "option '--target-percent': must be from 0 up to 100";
+            return false;
+        }
+        options.targetFraction = percent / 100.0;
+    }
     if (const std::string* objective = args.option("--objective")) {
         if (*objective == "relative")
             options.objective = HotObjective::Relative;
@@ -452,7 +470,8 @@ std::span<const Command> hotCommands()
             "                             --type 16|17|161|163..169|1600|50 [--strains LIST]\n"
             "                             [--strain-measure true|engineering] [--strain-offset X]\n"
             "                             [--max-iter N] [--method descent|least-squares|descent+least-squares]\n"
-            "                             [--objective absolute|relative] -o OUT.zmat [--export LIB.z3dlib]\n"
+            "                             [--objective absolute|relative] [--weighting equal|balanced]\n"
+            "                             [--target-percent P] -o OUT.zmat [--export LIB.z3dlib]\n"
             "                             [--cell-errors] [--curve-out FILE.csv] [--png FILE.png]\n"
             "                             [--json]\n"
             "\n"
@@ -467,7 +486,10 @@ std::span<const Command> hotCommands()
             "descent's guards from the log-linear start, or by least squares after the descent;\n"
             "least squares minimises the stress error (--objective absolute, default) or the\n"
             "error of ln stress (relative, the fit for AARE), and its report ends with how it\n"
-            "stopped and which parameters ended at a guard's limit. The data set\n"
+            "stopped and which parameters ended at a guard's limit. --weighting balanced\n"
+            "weighs each strain rate by the inverse square of its mean stress, so slow tests\n"
+            "count as much as fast ones; --target-percent ends the descent once its error is\n"
+            "below P % of the start's (0, the default: never). The data set\n"
             "replaces the material's flow-stress model; --export also writes the library\n"
             "entry with the fitted law (Zener-Hollomon, 50, has no library block).\n"
             "\n"
@@ -479,7 +501,7 @@ std::span<const Command> hotCommands()
             "parameters by name or the Zener-Hollomon constants per strain, the errors per\n"
             "cell, file paths) instead of the text.\n",
             {{kOutput, "--curves", "--type", "--strains", "--strain-measure", "--strain-offset", "--max-iter",
-                 "--method", "--objective", kExport, "--curve-out", "--png"},
+                 "--method", "--objective", "--weighting", "--target-percent", kExport, "--curve-out", "--png"},
                 {kOutput, "--curves", "--type"}, {"MATERIAL.zmat"}, 1, {"--json", "--cell-errors"}},
             runFitHot},
         {"processing-map", "write the processing map's data and gnuplot script, optionally its picture",

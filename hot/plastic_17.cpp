@@ -291,7 +291,7 @@ std::string stopReasonOf(DescentStop stop)
     case DescentStop::StepTooSmall: return "step below 1e-8 without improvement";
     case DescentStop::FlatGradient: return "no gradient to follow";
     case DescentStop::Cancelled: return std::string(kRunCancelled);
-    case DescentStop::TargetReached:
+    case DescentStop::TargetReached: return "error below the target share of the start's";
     case DescentStop::NonFiniteStart: break;  // not among these rules' stops
     }
     return {};
@@ -318,7 +318,10 @@ HotFit fitHenselSpittel(const HotDataSet& dataSet, const HotFitOptions& options,
         switches |= 1u << M9;
         result.notes.push_back("m9 held at 0: T^m9 needs temperatures above 0");
     }
-    HenselSpittelObjective objective(dataSet, table, options.rateWeights, switches);
+    const std::vector<double> weights = options.rateWeights.empty() && options.weighting == HotWeighting::BalancedByStress
+                                            ? balancedRateWeights(table)
+                                            : options.rateWeights;
+    HenselSpittelObjective objective(dataSet, table, weights, switches);
     HenselSpittelParameters best = henselSpittelStart(dataSet, table, switches, objective);
     objective.setStartM1(best[M1]);
 
@@ -329,6 +332,8 @@ HotFit fitHenselSpittel(const HotDataSet& dataSet, const HotFitOptions& options,
         settings.maxIterations = options.maxIterations;
         settings.initialStep = options.initialStep;
         settings.fixedMask = switches | (1u << M6);
+        if (options.targetFraction > 0.0)
+            settings.target = options.targetFraction * objective.objective(best);
         outcome = steepestDescent<RestartingStepRules>(GuardedObjective{objective}, best, settings, control);
         if (outcome.stop == DescentStop::Cancelled)
             return cancelledFit();

@@ -33,10 +33,18 @@ inline constexpr double kDefaultHotInitialStep = 1.0;
 // errors of ln σ (relative errors, what AARE judges).
 enum class HotObjective { Absolute, Relative };
 
+// How the strain rates weigh in the fit: alike, or each by the inverse square of
+// its mean measured stress, so slow (soft) tests count as much as fast ones.
+enum class HotWeighting { Equal, BalancedByStress };
+
 struct HotFitOptions {
     int maxIterations = kDefaultHotIterations;
     double initialStep = kDefaultHotInitialStep;
     std::vector<double> rateWeights;  // one per strain rate; missing ones weigh 1
+    HotWeighting weighting = HotWeighting::Equal;  // when rateWeights is empty
+    // The descent ends once its objective is below this fraction of the start's
+    // (0: it runs to its iteration limit or step floor).
+    double targetFraction = 0.0;
     unsigned parameterSwitches = 0;   // bit i holds Hensel-Spittel parameter i at 0
     // Hensel-Spittel: the descent (always of the stress error), or least squares
     // within the descent's guards of the stress error or of the error of ln σ.

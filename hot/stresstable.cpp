@@ -242,4 +242,31 @@ double PLASTIC_HOT::evaluate(double strain, double strainRate, double temperatur
     });
 }
 
+std::vector<double> balancedRateWeights(const HotStressTable& table)
+{
+    std::vector<double> sums(table.rateCount(), 0.0);
+    std::vector<std::size_t> counts(table.rateCount(), 0);
+    double total = 0.0;
+    std::size_t count = 0;
+    for (std::size_t t = 0; t < table.temperatureCount(); ++t)
+        for (std::size_t r = 0; r < table.rateCount(); ++r)
+            for (std::size_t k = 0; k < table.strainCount(); ++k)
+                if (table.usable(t, r, k)) {
+                    sums[r] += table.at(t, r, k);
+                    ++counts[r];
+                    total += table.at(t, r, k);
+                    ++count;
+                }
+    std::vector<double> weights(table.rateCount(), 1.0);
+    if (count == 0)
+        return weights;
+    const double mean = total / static_cast<double>(count);
+    for (std::size_t r = 0; r < weights.size(); ++r)
+        if (counts[r] > 0 && sums[r] > 0.0) {
+            const double ratio = mean / (sums[r] / static_cast<double>(counts[r]));
+            weights[r] = ratio * ratio;
+        }
+    return weights;
+}
+
 }  // namespace zelko

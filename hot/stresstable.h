@@ -70,6 +70,10 @@ private:
     std::size_t missingCount_ = 0;
 };
 
+// One weight per strain rate, (mean stress of all usable entries / mean at the
+// rate)²; 1 for a rate without usable entries.
+std::vector<double> balancedRateWeights(const HotStressTable& table);
+
 // AARE (fraction) and RMSE (MPa) of the model over the table's usable entries.
 struct FitError {
     double aare = 0.0;

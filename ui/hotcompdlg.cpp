@@ -574,9 +574,19 @@ void CHotCompDlg::editAdvanced()
     };
     objectiveApplies();
     connect(method, &QComboBox::currentIndexChanged, &advanced, objectiveApplies);
+    // A share of the start's error at which the descent may stop, in percent (0: never).
+    auto* target = new QLineEdit(zelko::ui::numberText("%.3f", 100.0 * options_.targetFraction), &advanced);
+    target->setObjectName(QStringLiteral("targetPercent"));
+    auto* weighting = new QComboBox(&advanced);
+    weighting->setObjectName(QStringLiteral("weighting"));
+    // In the order of HotWeighting.
+    weighting->addItems({QStringLiteral("Equal"), QStringLiteral("Balanced by stress level")});
+    weighting->setCurrentIndex(static_cast<int>(options_.weighting));
     auto* form = new QFormLayout(&advanced);
     form->addRow(QStringLiteral("Maximum iterations"), iterations);
     form->addRow(QStringLiteral("Initial step"), step);
+    form->addRow(QStringLiteral("Target (% of the start's error)"), target);
+    form->addRow(QStringLiteral("Weighting mode"), weighting);
     form->addRow(QStringLiteral("Method"), method);
     form->addRow(QStringLiteral("Objective"), objective);
     form->addRow(zelko::ui::okCancelButtons(&advanced));
@@ -586,12 +596,16 @@ void CHotCompDlg::editAdvanced()
         return;
     const std::optional<double> count = fieldNumber(iterations->text());
     const std::optional<double> first = fieldNumber(step->text());
-    if (!count || *count < 0 || *count > 1e9 || !first || *first <= 0) {
+    const std::optional<double> percent = fieldNumber(target->text());
+    if (!count || *count < 0 || *count > 1e9 || !first || *first <= 0 || !percent || *percent < 0 ||
+        *percent >= 100) {
         zelko::ui::refuseField(this, nullptr);
         return;
     }
     options_.maxIterations = static_cast<int>(*count);
     options_.initialStep = *first;
+    options_.targetFraction = *percent / 100.0;
+    options_.weighting = static_cast<HotWeighting>(weighting->currentIndex());
     options_.method = static_cast<FitMethod>(method->currentIndex());
     options_.objective = static_cast<HotObjective>(objective->currentIndex());
 }

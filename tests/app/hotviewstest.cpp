@@ -8,6 +8,7 @@
 #include <QComboBox>
 #include <QLabel>
 #include <QHeaderView>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -356,6 +357,29 @@ private slots:
         const HotFit expected = fitHotModel(hot.dataSet(), HotModelId::Type17, options);
         QCOMPARE(hot.findChild<QPlainTextEdit*>(QStringLiteral("report"))->toPlainText().toStdString(),
                  expected.result.report);
+
+        // The descent again, stress levels balanced and stopped at half the start's error; the
+        // screen shows what it was given ("%.3f").
+        QString shownTarget;
+        whenModalOpens(
+            [&](QWidget* inner) {
+                inner->findChild<QComboBox*>(QStringLiteral("method"))->setCurrentIndex(0);
+                inner->findChild<QComboBox*>(QStringLiteral("weighting"))->setCurrentIndex(1);
+                auto* target = inner->findChild<QLineEdit*>(QStringLiteral("targetPercent"));
+                shownTarget = target->text();
+                target->setText(QStringLiteral("50"));
+                pressOk(inner);
+            },
+            &hot);
+        hot.findChild<QPushButton*>(QStringLiteral("advanced"))->click();
+        QCOMPARE(shownTarget, QStringLiteral("0.000"));
+        hot.fit();
+        QTRY_VERIFY_WITH_TIMEOUT(!hot.fitRunning(), 30000);
+        HotFitOptions descent;
+        descent.weighting = HotWeighting::BalancedByStress;
+        descent.targetFraction = 0.5;
+        QCOMPARE(hot.findChild<QPlainTextEdit*>(QStringLiteral("report"))->toPlainText().toStdString(),
+                 fitHotModel(hot.dataSet(), HotModelId::Type17, descent).result.report);
     }
 
 private:

@@ -101,7 +101,22 @@ TEST_F(HotCli, MethodAndObjectiveRefuseWhatTheyCannotDo)
     // The descent fits the stress error alone.
     EXPECT_TRUE(isOneErrorLine(fit(kMeasured, "17", {"--objective", "relative"}), "relative needs --method"));
     EXPECT_TRUE(isOneErrorLine(fit(kMeasured, "164", {"--method", "least-squares"}), "the choice is for type 17"));
+    EXPECT_TRUE(isOneErrorLine(fit(kMeasured, "17", {"--weighting", "by-rate"}), "neither equal nor balanced"));
+    EXPECT_TRUE(isOneErrorLine(fit(kMeasured, "17", {"--target-percent", "100"}), "from 0 up to 100"));
+    EXPECT_TRUE(isOneErrorLine(fit(kMeasured, "17", {"--target-percent", "half"}), "--target-percent"));
     EXPECT_FALSE(fs::exists(scratch.file("out.zmat")));
+}
+
+TEST_F(HotCli, BalancedRatesAndATargetReachTheFit)
+{
+    // Balanced least squares is the screen's best for AARE short of ln σ; a target ends the descent early.
+    const CliResult balanced = fit(kMeasured, "17", {"--method", "least-squares", "--weighting", "balanced"});
+    const CliResult equal = fit(kMeasured, "17", {"--method", "least-squares"});
+    ASSERT_EQ(balanced.status, 0) << balanced.err;
+    EXPECT_LT(std::stod(lines(balanced.out)[0].substr(8)), std::stod(lines(equal.out)[0].substr(8)));
+    const CliResult early = fit(kMeasured, "17", {"--target-percent", "50"});
+    ASSERT_EQ(early.status, 0) << early.err;
+    EXPECT_NE(early.err.find("error below the target share of the start's"), std::string::npos) << early.err;
 }
 
 TEST_F(HotCli, PowerLawTypeMatchesItsGoldenFiles)

@@ -273,6 +273,40 @@ TEST(HenselSpittelFit, MeasuredSeriesGivesItsRecordedReportAndDescent)
     EXPECT_TRUE(test::sameBytes(actual, *expected));
 }
 
+TEST(HenselSpittelFit, BalancedWeightsEvenOutTheRatesStressLevels)
+{
+    // The fast tests flow at twice the slow ones' stress: they weigh a quarter as much.
+    const PLASTIC_HOT dataSet = test::lawDataSet([](double e, double rate, double) { return (rate < 0.5 ? 100 : 200) * (1 + e); },
+                                                 {900, 1000}, {0.1, 1}, {0.2, 0.4});
+    const std::vector<double> weights = balancedRateWeights(HotStressTable(dataSet));
+    ASSERT_EQ(weights.size(), 2u);
+    EXPECT_NEAR(weights[1] / weights[0], 0.25, 1e-12);
+    const double mean = (100 * (1.2 + 1.4) + 200 * (1.2 + 1.4)) / 4;
+    EXPECT_NEAR(weights[0], std::pow(mean / (100 * 1.3), 2), 1e-12);
+
+    // On the measured series the weighting moves the fit; weights given outright still rule.
+    HotFitOptions balanced;
+    balanced.weighting = HotWeighting::BalancedByStress;
+    const PLASTIC_HOT measured = test::measuredDataSet();
+    const HotFit equal = fitHotModel(measured, HotModelId::Type17, {});
+    const HotFit weighted = fitHotModel(measured, HotModelId::Type17, balanced);
+    EXPECT_NE(equal.model->parameters, weighted.model->parameters);
+    balanced.rateWeights.assign(measured.strainRates.size(), 1.0);
+    EXPECT_EQ(fitHotModel(measured, HotModelId::Type17, balanced).model->parameters, equal.model->parameters);
+}
+
+TEST(HenselSpittelFit, ATargetShareOfTheStartErrorEndsTheDescentEarly)
+{
+    const PLASTIC_HOT measured = test::measuredDataSet();
+    const HotFit full = fitHotModel(measured, HotModelId::Type17, {});
+    HotFitOptions options;
+    options.targetFraction = 0.5;
+    const HotFit early = fitHotModel(measured, HotModelId::Type17, options);
+    EXPECT_EQ(early.result.stopReason, "error below the target share of the start's");
+    EXPECT_LT(early.result.iterations, full.result.iterations);
+    EXPECT_GT(early.result.rmse, full.result.rmse);
+}
+
 TEST(HenselSpittelFit, BadDataEndsQuietly)
 {
     PLASTIC_HOT dataSet = steelDataSet();
