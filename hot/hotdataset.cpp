@@ -274,6 +274,26 @@ std::string_view writeRawCurveFile(std::u16string_view editText, const std::file
     return {};
 }
 
+std::size_t nonNumericTokens(std::u16string_view text)
+{
+    const auto blank = [](char16_t c) { return c == u' ' || c == u'\t' || c == u'\r' || c == u'\n'; };
+    std::size_t count = 0;
+    for (std::size_t at = 0; at < text.size();) {
+        if (blank(text[at])) {
+            ++at;
+            continue;
+        }
+        std::size_t end = at;
+        while (end < text.size() && !blank(text[end]))
+            ++end;
+        double value = 0.0;
+        if (leadingDouble(text.substr(at, end - at), value) != end - at)
+            ++count;
+        at = end;
+    }
+    return count;
+}
+
 bool importRawText(HotDataSet& dataSet, std::u16string_view editText, const CurveSelection& selection,
                    const RawCurveLayout& layout, double strainOffset)
 {

@@ -87,6 +87,11 @@ struct CurveSelection {
 bool importRawCurves(HotDataSet& dataSet, std::string_view fileBytes, const CurveSelection& selection,
                      const RawCurveLayout& layout, double strainOffset);
 
+// Tokens of raw curve text that are not wholly a number ("abc", "1,5"): the
+// reader takes them leniently (as 0, or as their leading number), which a screen
+// should say.
+std::size_t nonNumericTokens(std::u16string_view text);
+
 // The screen's import of the edit's text, read as its exchange file reads; no
 // file is involved. False when the selection imports nothing.
 bool importRawText(HotDataSet& dataSet, std::u16string_view editText, const CurveSelection& selection,

@@ -314,6 +314,8 @@ HotFit fitHenselSpittel(const HotDataSet& dataSet, const HotFitOptions& options,
         return fit;
     }
     const std::vector<double>& temperatures = dataSet.temperatures;
+    if (temperatures.size() < 2)
+        result.notes.push_back("one temperature: the data do not decide the law's temperature terms (m1, m8, m9)");
     if (!temperatures.empty() && !(temperatures.front() > 0.0) && !switchedOff(switches, M9)) {
         switches |= 1u << M9;
         result.notes.push_back("m9 held at 0: T^m9 needs temperatures above 0");

@@ -269,4 +269,12 @@ std::vector<double> balancedRateWeights(const HotStressTable& table)
     return weights;
 }
 
+std::string reportWithNotes(const HotFitResult& result)
+{
+    std::string text = result.report;
+    for (const std::string& note : result.notes)
+        text += " note: " + note + "\n";
+    return text;
+}
+
 }  // namespace zelko

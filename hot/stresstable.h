@@ -90,6 +90,8 @@ void recordFitRanges(PLASTIC_HOT& model);
 
 // " AARE = %g %%\n RMSE = %g MPa\n", the head of every report.
 std::string errorReport(const FitError& error);
+// The report followed by a line " note: ..." for each note, as a screen shows it.
+std::string reportWithNotes(const HotFitResult& result);
 // Fills the result's measures and notes from the table.
 void describeTable(const HotStressTable& table, const FitError& error, HotFitResult& result);
 

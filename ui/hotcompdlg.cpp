@@ -23,6 +23,7 @@
 #include "hot/hotmodels.h"
 #include "material/hotchain.h"
 #include "hot/plastic_70.h"
+#include "hot/stresstable.h"
 #include "hot/zenerhollomon.h"
 #include "ui/backgroundrun.h"
 #include "ui/hotchartdlg.h"
@@ -384,8 +385,15 @@ void CHotCompDlg::importRawData()
     }
     HotDataSet imported = dataSet_;
     imported.strainOffset = offset;
-    if (importRawCurves(imported, *bytes, selection(), layout(), offset))
-        dataSet_ = std::move(imported);
+    if (!importRawCurves(imported, *bytes, selection(), layout(), offset))
+        return;
+    dataSet_ = std::move(imported);
+    // The reader is lenient, as the exchange file's other readers are: say so rather than let a 0 pass unseen.
+    if (const std::size_t words = nonNumericTokens(text); words > 0)
+        QMessageBox::warning(this, kCaption,
+                             translateText(QStringLiteral("%1 values of the text are not numbers; they were read as "
+                                                          "their leading number, or 0."))
+                                 .arg(words));
 }
 
 bool CHotCompDlg::importCsv(const QString& path)
@@ -435,7 +443,7 @@ void CHotCompDlg::fit()
         if (!made.message.empty())
             message(fromView(made.message));
         if (made.model)
-            finishFit(made.model, made.result.report, {}, false);
+            finishFit(made.model, reportWithNotes(made.result), {}, false);
         return;
     }
     progress_->setValue(kFitStartProgress);
@@ -445,7 +453,7 @@ void CHotCompDlg::fit()
         std::shared_ptr<PLASTIC_HOT> model;
         if (outcome.material)
             model = std::dynamic_pointer_cast<PLASTIC_HOT>(outcome.material->activeModel);
-        return [this, model, report = outcome.fit.result.report, error = outcome.error,
+        return [this, model, report = reportWithNotes(outcome.fit.result), error = outcome.error,
                 cancelled = outcome.fit.cancelled] { finishFit(model, report, error, cancelled); };
     });
 }

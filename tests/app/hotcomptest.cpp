@@ -211,6 +211,62 @@ private slots:
         QVERIFY(!dialog.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok)->isEnabled());
     }
 
+    // Pasted text a user should not paste, a value typed twice and a fit over one temperature:
+    // no crash, no frozen window, and what was taken is what the reader could read.
+    void awkwardInputEndsCalmly()
+    {
+        CHotCompDlg dialog(Project(), testEnvironment());
+        dialog.show();
+        for (const char* rate : {"0.1", "1", "0.1"})
+            addValue(dialog, HotGroup::StrainRate, "strainRatesValue", QString::fromLatin1(rate));
+        QCOMPARE(listTexts(dialog, "strainRates"), (QStringList{"0.1", "1"}));
+        addValue(dialog, HotGroup::Temperature, "temperaturesValue", QStringLiteral("1000"));
+        addValue(dialog, HotGroup::Strain, "strainsValue", QStringLiteral("0.2"));
+        dialog.applyGroups();
+        auto* rawText = dialog.findChild<QPlainTextEdit*>(QStringLiteral("rawText"));
+        const auto importInto = [&](int rate, const QString& text) {
+            auto* rates = dialog.findChild<QListWidget*>(QStringLiteral("strainRates"));
+            rates->clearSelection();
+            rates->item(rate)->setSelected(true);
+            dialog.findChild<QListWidget*>(QStringLiteral("temperatures"))->item(0)->setSelected(true);
+            rawText->setPlainText(text);
+            dialog.importRawData();
+            return dialog.dataSet().curves[0][static_cast<std::size_t>(rate)];
+        };
+        // A word reads as 0, as the exchange file's readers take it, and the screen says so.
+        QString said;
+        readNextMessage(said, &dialog);
+        const HotCurve worded = importInto(0, QStringLiteral("0.1 100\n0.2 abc\n0.3 120\n"));
+        QTRY_COMPARE(said, QStringLiteral("1 values of the text are not numbers; they were read as their leading "
+                                          "number, or 0."));
+        QCOMPARE(worded.size(), std::size_t{3});
+        QCOMPARE(worded[1].stress, 0.0);
+        // One point, and strains that fall, are taken as they are.
+        QCOMPARE(importInto(0, QStringLiteral("0.25 110\n")).size(), std::size_t{1});
+        const HotCurve falling = importInto(1, QStringLiteral("0.3 150\n0.2 140\n0.1 130\n"));
+        QCOMPARE(falling.size(), std::size_t{3});
+        QCOMPARE(falling.front().strain, 0.3);
+        // A thousand columns on a line: lines are counted in pieces of at most 128 characters, a
+        // record a piece, so the 3,893 characters give 31 records of the first 62 numbers.
+        QString wide;
+        for (int i = 0; i < 1000; ++i)
+            wide += QString::number(i + 1) + QLatin1Char(' ');
+        const HotCurve columns = importInto(1, wide + QStringLiteral("\n"));
+        QCOMPARE(columns.size(), std::size_t{31});
+        QCOMPARE(columns.back().stress, 62.0);
+
+        // One temperature: the fit ends with a model and says what it cannot know; the window answers.
+        importInto(1, QStringLiteral("0.1 130\n0.2 140\n0.3 150\n"));
+        dialog.fit();
+        QTRY_VERIFY_WITH_TIMEOUT(!dialog.fitRunning(), 30000);
+        const QString report = dialog.findChild<QPlainTextEdit*>(QStringLiteral("report"))->toPlainText();
+        QVERIFY(dialog.material().activeModel);
+        QVERIFY2(report.contains(QStringLiteral("\n note: one temperature: the data do not decide the law's temperature "
+                                                "terms (m1, m8, m9)\n")),
+                 qPrintable(report));
+        QVERIFY(dialog.findChild<QPushButton*>(QStringLiteral("fit"))->isEnabled());
+    }
+
     void anExchangeFolderThatCannotBeMade()
     {
         CHotCompDlg dialog(Project(), zelko::test::unreachableExchange(folder_.path()));
