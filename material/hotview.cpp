@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <optional>
 
+#include "base/numbers.h"
 #include "base/textfile.h"
 #include "hot/stresstable.h"
 
@@ -86,34 +86,36 @@ void summariseFitErrors(FitErrorTable& table)
 {
     const std::size_t first = FitErrorTable::kFirstNumericColumn;
     const std::size_t width = table.headers.size();
-    const std::size_t rows = table.numbers.size();
+    const std::size_t rows = table.rows.size();
     table.dataRows = rows;
+    // The summary agrees with what the cells show, not with the unrounded errors.
+    const auto number = [&](std::size_t r, std::size_t c) {
+        return c < table.rows[r].size() ? toDouble(std::string_view(table.rows[r][c])) : 0.0;
+    };
     std::vector<std::string> meanRow(width), deviationRow(width);
     meanRow[0] = "Mean";
     deviationRow[0] = "Standard deviation";
+    std::vector<double> values(rows);
     for (std::size_t c = first; c < width; ++c) {
-        const std::size_t at = c - first;
+        for (std::size_t r = 0; r < rows; ++r)
+            values[r] = number(r, c);
         double sum = 0.0;
-        for (const auto& row : table.numbers)
-            sum += row[at];
+        for (const double value : values)
+            sum += value;
         const double mean = rows ? sum / static_cast<double>(rows) : 0.0;
         double squares = 0.0;
-        for (const auto& row : table.numbers)
-            squares += (row[at] - mean) * (row[at] - mean);
+        for (const double value : values)
+            squares += (value - mean) * (value - mean);
         const double deviation = rows ? std::sqrt(squares / static_cast<double>(rows)) : 0.0;
         meanRow[c] = formatText("%g", mean);
         deviationRow[c] = formatText("%g", deviation);
         for (std::size_t r = 0; r < rows; ++r) {
-            if (std::fabs(table.numbers[r][at] - mean) > 3.0 * deviation)
+            if (std::fabs(values[r] - mean) > 3.0 * deviation)
                 table.marks.push_back({kOutlierMark.red, kOutlierMark.green, kOutlierMark.blue, r, c});
+            if (c == table.checkColumn && values[r] < FitErrorTable::kCheckLimit)
+                table.marks.push_back({kCheckMark.red, kCheckMark.green, kCheckMark.blue, r, c});
         }
     }
-    if (table.checkColumn >= first && table.checkColumn < width) {
-        for (std::size_t r = 0; r < rows; ++r)
-            if (table.numbers[r][table.checkColumn - first] < FitErrorTable::kCheckLimit)
-                table.marks.push_back({kCheckMark.red, kCheckMark.green, kCheckMark.blue, r, table.checkColumn});
-    }
-    table.rows.resize(rows);
     table.rows.push_back(std::move(meanRow));
     table.rows.push_back(std::move(deviationRow));
 }
@@ -144,19 +146,10 @@ FitErrorTable fitErrorTable(const PLASTIC_HOT& model)
             if (count == 0)
                 continue;
             const double n = static_cast<double>(count);
-            // The numbers are read back from their texts so the summary agrees with what is shown.
-            std::vector<std::string> row = {formatText("%zu", table.rows.size() + 1),
-                                            formatText("%g", model.strains[k]),
-                                            formatText("%g", model.temperatures[t]),
-                                            formatText("%g", 100.0 * relative / n),
-                                            formatText("%g", std::sqrt(squares / n)),
-                                            formatText("%g", 100.0 * largest),
-                                            formatText("%g", 100.0 * ratio / n)};
-            std::vector<double> numbers;
-            for (std::size_t c = FitErrorTable::kFirstNumericColumn; c < row.size(); ++c)
-                numbers.push_back(std::strtod(row[c].c_str(), nullptr));
-            table.rows.push_back(std::move(row));
-            table.numbers.push_back(std::move(numbers));
+            table.rows.push_back({formatText("%zu", table.rows.size() + 1), formatText("%g", model.strains[k]),
+                                  formatText("%g", model.temperatures[t]), formatText("%g", 100.0 * relative / n),
+                                  formatText("%g", std::sqrt(squares / n)), formatText("%g", 100.0 * largest),
+                                  formatText("%g", 100.0 * ratio / n)});
         }
     }
     summariseFitErrors(table);

@@ -55,13 +55,13 @@ struct FitErrorTable {
     static constexpr double kCheckLimit = 100.0;
     std::vector<std::string> headers;
     std::vector<std::vector<std::string>> rows;  // the data rows, then "Mean" and "Standard deviation"
-    std::vector<std::vector<double>> numbers;    // a data row's numeric columns, as its texts show them
     std::size_t dataRows = 0;
     std::size_t checkColumn = 0;
     std::vector<CellMark> marks;
 };
 
-// The table's summary of its data rows' numbers: the mean and the standard deviation over the rows (divided
+// The table's summary of its data rows, read as their cells show them (from the
+// first numeric column on): the mean and the standard deviation over the rows (divided
 // by their number) as "%g", a mark on each cell more than three deviations from
 // its column's mean, and one on each check-column value below the limit.
 void summariseFitErrors(FitErrorTable& table);

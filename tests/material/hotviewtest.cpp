@@ -104,10 +104,8 @@ FitErrorTable numericTable(const std::vector<double>& column)
 {
     FitErrorTable table;
     table.headers = {"No.", "Strain", "Temperature", "AARE (%)"};
-    for (const double value : column) {
+    for (const double value : column)
         table.rows.push_back({"", "", "", std::to_string(value)});
-        table.numbers.push_back({value});
-    }
     return table;
 }
 
