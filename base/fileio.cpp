@@ -298,12 +298,10 @@ bool PendingOutputs::beginStream(const fs::path& path, std::string& error)
     return true;
 }
 
-bool PendingOutputs::write(std::string_view bytes)
+void PendingOutputs::write(std::string_view bytes)
 {
-    if (!stream_ || !*stream_)
-        return false;
-    stream_->write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    return static_cast<bool>(*stream_);
+    if (stream_ && *stream_)
+        stream_->write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
 }
 
 bool PendingOutputs::endStream(std::string& error)

@@ -59,10 +59,11 @@ public:
     std::optional<std::filesystem::path> reserve(const std::filesystem::path& path, std::string& error);
 
     // A staged file filled piece by piece (a material too large to hold twice):
-    // write() appends to its temporary; false once a write failed, with the reason
-    // for error. withdraw() takes it back out, its temporary removed.
+    // write() appends to its temporary; endStream() says whether every write went
+    // through, withdrawing the file with the reason when one did not. withdraw()
+    // takes it back out, its temporary removed.
     [[nodiscard]] bool beginStream(const std::filesystem::path& path, std::string& error);
-    bool write(std::string_view bytes);
+    void write(std::string_view bytes);
     [[nodiscard]] bool endStream(std::string& error);
     void withdraw();
 

@@ -113,12 +113,12 @@ bool MaterialDocument::save(PendingOutputs& outputs, const std::filesystem::path
     if (!outputs.beginStream(path, error))
         return false;
     std::size_t size = 0;
-    bool written = true;
     TextWriter out(TextEncoding::Utf16Le);
     out.streamTo([&](std::string_view piece) {
         size += piece.size();
         // Past the reader's limit nothing more is written, only counted for the message.
-        written = written && size <= kMaxMaterialFileBytes && outputs.write(piece);
+        if (size <= kMaxMaterialFileBytes)
+            outputs.write(piece);  // a failed write is told by endStream
     });
     material_.WriteMaterialFile(out);
     out.finish();
@@ -127,11 +127,6 @@ bool MaterialDocument::save(PendingOutputs& outputs, const std::filesystem::path
         constexpr double kMegabyte = 1024.0 * 1024.0;
         error = formatMessage(MessageCode::MaterialTooLargeToRead, static_cast<double>(size) / kMegabyte,
                               static_cast<double>(kMaxMaterialFileBytes) / kMegabyte);
-        return false;
-    }
-    if (!written) {
-        outputs.withdraw();
-        error = "cannot write the file (disk full?)";
         return false;
     }
     return outputs.endStream(error);

@@ -102,6 +102,45 @@ TEST(FileIo, ASaveThatFailsHalfwayLeavesThePreviousFileAndNoTemporary)
     fs::remove_all(folder);
 }
 
+TEST(FileIo, AStreamedOutputThatFailsHalfwayIsWithdrawn)
+{
+    const fs::path folder = fs::temp_directory_path() / "zelko-fileio-stream";
+    fs::remove_all(folder);
+    fs::create_directories(folder);
+    const fs::path path = folder / "m.zmat";
+    std::string error;
+    ASSERT_TRUE(saveFileAtomically(path, "previous", error)) << error;
+    const std::string piece(64 * 1024, 's');
+    const auto stream = [&](PendingOutputs& outputs) {
+        if (!outputs.beginStream(path, error))
+            return false;
+        for (int i = 0; i < 4; ++i)
+            outputs.write(piece);
+        return outputs.endStream(error);
+    };
+    {
+        PendingOutputs outputs;
+        bool ended = true;
+        {
+            const FileSizeLimit limit(4096);
+            ASSERT_TRUE(limit.applied());
+            ended = stream(outputs);
+        }
+        EXPECT_FALSE(ended);
+        EXPECT_EQ(error, "cannot write the file (disk full?)");
+        ASSERT_TRUE(outputs.commit(error)) << error;  // nothing is left to put in place
+    }
+    EXPECT_EQ(*readFileBytes(path, error), "previous");
+    EXPECT_EQ(test::namesIn(folder), std::vector<std::string>{"m.zmat"});
+
+    PendingOutputs outputs;
+    ASSERT_TRUE(stream(outputs)) << error;
+    ASSERT_TRUE(outputs.commit(error)) << error;
+    EXPECT_EQ(readFileBytes(path, error)->size(), 4 * piece.size());
+    EXPECT_EQ(test::namesIn(folder), std::vector<std::string>{"m.zmat"});
+    fs::remove_all(folder);
+}
+
 // The reader may only use memory for what it keeps: this much beyond what the
 // process already has, far below the file's size.
 constexpr rlim_t kReadHeadroomBytes = 96u * 1024u * 1024u;
