@@ -63,9 +63,10 @@ CDIALOG_GRAPH2D::CDIALOG_GRAPH2D(std::shared_ptr<const zelko::PLASTIC_HOT> model
     // Every temperature at the slowest rate and the middle strain: the family at a glance.
     std::vector<int> everyTemperature(model_->temperatures.size());
     std::iota(everyTemperature.begin(), everyTemperature.end(), 0);
-    selectRows(List::Temperatures, everyTemperature);
-    selectRows(List::StrainRates, {0});
-    selectRows(List::Strains, {static_cast<int>(model_->strains.size() / 2)});
+    select(List::Temperatures, everyTemperature);
+    select(List::StrainRates, {0});
+    select(List::Strains, {static_cast<int>(model_->strains.size() / 2)});
+    redraw();
     for (QListWidget* one : lists_)
         connect(one, &QListWidget::itemSelectionChanged, this, &CDIALOG_GRAPH2D::redraw);
 }
@@ -134,13 +135,18 @@ void CDIALOG_GRAPH2D::setAxis(zelko::HotChartAxis axis)
 
 void CDIALOG_GRAPH2D::selectRows(List which, const std::vector<int>& rows)
 {
+    select(which, rows);
+    redraw();
+}
+
+void CDIALOG_GRAPH2D::select(List which, const std::vector<int>& rows)
+{
     QListWidget* one = list(which);
     const QSignalBlocker quiet(one);
     one->clearSelection();
     for (const int row : rows)
         if (row >= 0 && row < one->count())
             one->item(row)->setSelected(true);
-    redraw();
 }
 
 void CDIALOG_GRAPH2D::redraw()

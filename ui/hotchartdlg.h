@@ -37,6 +37,7 @@ public:
 
 private:
     QWidget* makeChoices();
+    void select(List which, const std::vector<int>& rows);  // without drawing
     void fillErrorTable();
     QListWidget* list(List which) const { return lists_[static_cast<std::size_t>(which)]; }
 

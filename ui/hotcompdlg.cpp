@@ -490,6 +490,11 @@ std::shared_ptr<const PLASTIC_HOT> CHotCompDlg::shownModel() const
     return std::make_shared<PLASTIC_HOT>(dataSet_);
 }
 
+bool CHotCompDlg::choiceHasParameters() const
+{
+    return model_->currentIndex() == kZenerHollomonModel || model_->currentIndex() == kModel70;
+}
+
 void CHotCompDlg::chooseModel(int index)
 {
     // The type each model stands for: the per-cell table for raw data, then
@@ -497,7 +502,7 @@ void CHotCompDlg::chooseModel(int index)
     static constexpr std::array<int, 3> kTypeOfModel = {0, 1, 12};
     if (index >= 0 && index < static_cast<int>(kTypeOfModel.size()))
         type_->setCurrentIndex(kTypeOfModel[static_cast<std::size_t>(index)]);
-    parameters_->setEnabled(index == kZenerHollomonModel || index == kModel70);
+    parameters_->setEnabled(choiceHasParameters());
 }
 
 void CHotCompDlg::showChart()
@@ -625,8 +630,7 @@ void CHotCompDlg::setRunning(bool running)
     fit_->setEnabled(!running);
     for (QPushButton* view : {chart_, map_, peaks_})
         view->setEnabled(!running);
-    parameters_->setEnabled(!running && (model_->currentIndex() == kZenerHollomonModel ||
-                                         model_->currentIndex() == kModel70));
+    parameters_->setEnabled(!running && choiceHasParameters());
     ok_->setEnabled(!running && hasFit_);
     for (QListWidget* list : lists_)
         list->setEnabled(!running);

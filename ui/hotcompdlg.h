@@ -76,6 +76,8 @@ private:
     void editAdvanced();
     // The model the views show: the fitted one, else the data set alone.
     std::shared_ptr<const zelko::PLASTIC_HOT> shownModel() const;
+    // Zener-Hollomon and Model 70 have a parameter screen.
+    bool choiceHasParameters() const;
     void takeModel(std::shared_ptr<zelko::PLASTIC_HOT> model, const QString& report);
     void setRunning(bool running);
     void message(const QString& text);
