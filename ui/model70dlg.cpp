@@ -66,7 +66,7 @@ CDIALOG_INPUT_MATR70::CDIALOG_INPUT_MATR70(const zelko::PLASTIC_70& model, QWidg
     layout->addWidget(grid_, 1);
     layout->addWidget(note_);
     layout->addWidget(okCancelButtons(this));
-    resize(380, 640);
+    resize(380, 720);  // every item in sight on a 768-line screen
     translateWindow(this, QStringLiteral("PlasticHot"));
 }
 
