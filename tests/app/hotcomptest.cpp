@@ -22,6 +22,7 @@
 #include "hot/hotmodels.h"
 #include "material/document.h"
 #include "material/hotchain.h"
+#include "hotmaterial.h"
 #include "modalanswer.h"
 #include "screenfiles.h"
 #include "ui/hotcompdlg.h"
@@ -82,9 +83,7 @@ private slots:
     void fromMeasuredSeriesToLibraryEntry()
     {
         CMainFrame frame;
-        CMATView* view = frame.view();
-        view->newMaterial();
-        static_cast<QAbstractButton*>(view->findChild<QWidget*>(QStringLiteral("1004")))->click();
+        CMATView* view = zelko::test::newHotMaterial(frame);
         QString report;
         whenModalOpens([&](QWidget* modal) {
             auto* hot = qobject_cast<CHotCompDlg*>(modal);

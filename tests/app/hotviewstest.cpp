@@ -31,6 +31,7 @@
 #include "material/hotchain.h"
 #include "hot/zenerhollomon.h"
 #include "material/hotview.h"
+#include "hotmaterial.h"
 #include "modalanswer.h"
 #include "screenfiles.h"
 #include "ui/hotchartdlg.h"
@@ -152,9 +153,7 @@ private slots:
     void model70FromTheScreenToTheLibrary()
     {
         CMainFrame frame;
-        CMATView* view = frame.view();
-        view->newMaterial();
-        static_cast<QAbstractButton*>(view->findChild<QWidget*>(QStringLiteral("1004")))->click();
+        CMATView* view = zelko::test::newHotMaterial(frame);
         QString note;
         whenModalOpens([&](QWidget* modal) {
             auto* hot = qobject_cast<CHotCompDlg*>(modal);
@@ -205,9 +204,7 @@ private slots:
     void fromRawCurvesToMaterialLibraryAndMap()
     {
         CMainFrame frame;
-        CMATView* view = frame.view();
-        view->newMaterial();
-        static_cast<QAbstractButton*>(view->findChild<QWidget*>(QStringLiteral("1004")))->click();
+        CMATView* view = zelko::test::newHotMaterial(frame);
         QSize picture;
         QString mapNote;
         int peakRows = 0;
